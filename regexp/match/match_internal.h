@@ -1,0 +1,92 @@
+// regexp/match/match_internal.h - the matcher's working record and the
+// contract that every matcher of regexp/match keeps.
+//
+// Contract of every matcher (interpreter, group, repeat, class, atomic):
+//   int32_t matcher(const uint8_t* p, int32_t remaining, MatchContext* ctx)
+//   - the node to run is ctx->currentNode, set by the caller;
+//   - 0: everything from currentNode to ctx->endNode matched (the search can
+//     unwind with success); 1: no match at this choice. No other value.
+//   - a matcher that returns 1 leaves captures[0].length as it found it;
+//   - budget is spent only by ownRegExpMatch, one unit per node dispatched,
+//     and never given back.
+// Shortcuts (ctx->fastPaths != 0) must give the same results, captures,
+// statuses and budget as the plain path for every input; tests run both.
+#pragma once
+
+#include <cstdint>
+
+#include "regexp/regexp_record.h"
+
+struct MatchContext {
+    int32_t  currentNode;   // node to run next
+    int32_t  endNode;       // exclusive end of the node range in progress
+    uint32_t reentry;       // close re-entering open for another iteration
+    uint32_t flags;         // option bits in force (s, m, i)
+    int32_t  rejectEmpty;   // 1 only during the one-byte retry of a global search
+    int32_t  captureCount;  // copy of the record's field
+    int32_t  budget;        // what is left of the match limit
+    int32_t  format;        // copy of the record's field; only the driver reads it
+    const uint8_t* subject; // first byte of the caller's subject
+    RegExpNode*    nodes;
+    CaptureRecord* captures;
+    GroupFrame*    groups;
+    const RegExpState* state;  // for NodeString literal bytes
+
+    // Not in the classic record: what this build needs to stay inside the
+    // caller's buffers and the thread's stack.
+    int32_t  subjectLength;      // true end of the subject: subject + subjectLength
+    int32_t  fastPaths;          // 0: plain reference interpreter; 1: exact shortcuts on
+    const char* stackLimit;      // lowest address the recursion may reach
+};
+
+// Bytes from p to the true end of the caller's subject (>= remaining).
+inline int32_t ownBytesToEnd(const MatchContext* ctx, const uint8_t* p) {
+    return static_cast<int32_t>(ctx->subject + ctx->subjectLength - p);
+}
+
+// The node interpreter (regexp/match/interpreter.cpp).
+int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+
+// The search with the shortcuts switched on or off; ownRegExpSearch is this
+// with fastPaths = 1. The tests compare both.
+zevStatus ownRegExpSearchEx(const uint8_t* src, int32_t srcLen, RegExpState* state,
+                            RegExpFindEntry* find, int32_t* findCount, int32_t replaceMode,
+                            int32_t fastPaths);
+
+// Groups and their repetition (groups.cpp).
+int32_t ownRegExpGroupOpen(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRegExpGroupClose(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+
+// Assertions (assertions.cpp): 0 passed (currentNode moved on), 1 failed.
+int32_t ownRegExpAssert(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+
+// Atomic groups (atomic.cpp).
+int32_t ownRegExpAtomic(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
+int32_t ownRegExpAtomicLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
+
+// Character predicates (predicates.cpp): a negative result means no.
+typedef int32_t (*CharPredicateRef)(const uint8_t* byte);
+typedef int32_t (*CharPredicateValue)(uint32_t byte);
+CharPredicateRef   ownGetCharPredicate(uint32_t letter, uint32_t dotAll);
+CharPredicateValue ownGetCharPredicateByValue(uint32_t letter, uint32_t dotAll);
+
+// Repeat matchers (repeat_*.cpp), entered with currentNode on the repeated
+// node; the repeat node stands at currentNode + 1.
+int32_t ownRepeatChar(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatCharLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatAnyByte(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatAnyByteLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatBackRef(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatBackRefLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatCharType(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatCharTypeLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatItem(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatItemLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatWideCharLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatGrapheme(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+int32_t ownRepeatGraphemeLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+
+// Classes (classes.cpp). currentNode holds the NodeClass head.
+int32_t ownCheckClass(const uint8_t* p, int32_t left, MatchContext* ctx, int32_t head);
+int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
+int32_t ownRepeatClassLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);

@@ -1,0 +1,35 @@
+# Installs the build into WORK_DIR/prefix, then configures, builds and runs
+# the consumer project against it twice: with find_package(zevch) and with
+# pkg-config.
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix}
+                RESULT_VARIABLE rc)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "install failed")
+endif()
+foreach(f include/zevch.h)
+  if(NOT EXISTS ${prefix}/${f})
+    message(FATAL_ERROR "missing ${f}")
+  endif()
+endforeach()
+file(GLOB libdirs ${prefix}/lib ${prefix}/lib64 ${prefix}/lib/*-linux-gnu)
+foreach(mode cmake pkgconfig)
+  set(bdir ${WORK_DIR}/consumer-${mode})
+  execute_process(COMMAND ${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${bdir}
+                          -DCMAKE_PREFIX_PATH=${prefix} -DCONSUME_WITH=${mode}
+                  RESULT_VARIABLE rc)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "consumer configure (${mode}) failed")
+  endif()
+  execute_process(COMMAND ${CMAKE_COMMAND} --build ${bdir} RESULT_VARIABLE rc)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "consumer build (${mode}) failed")
+  endif()
+  set(ENV{LD_LIBRARY_PATH} "${libdirs}")
+  execute_process(COMMAND ${bdir}/consumer RESULT_VARIABLE rc OUTPUT_VARIABLE out)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "consumer (${mode}) exited with ${rc}: ${out}")
+  endif()
+  message(STATUS "consumer (${mode}): ${out}")
+endforeach()
