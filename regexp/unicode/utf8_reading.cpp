@@ -1,0 +1,236 @@
+// regexp/unicode/utf8_reading.cpp - reading the subject as UTF-8 and the
+// character checks of the matcher: decode, measure, fold case, test a
+// category, a block or a script, read one grapheme cluster.
+//
+// Everything here is stateless and reads only the subject and the constant
+// tables of unicode_tables.h. These run once per character in the matcher's
+// inner loops, so each takes the shortest road its result allows: ASCII is
+// decoded without a loop, the range rows are skipped below their lowest code,
+// and the row search starts from a per-page index.
+//
+// Tested by tests/unicode/utf8_reading_test.cpp and
+// tests/unicode/ucd_exhaustive_test.cpp.
+
+#include "regexp/regexp_record.h"
+#include "regexp/unicode/unicode_tables.h"
+
+namespace {
+
+// Per number of continuation bytes n: the payload bits of the lead byte and
+// the largest code that a sequence of n + 1 bytes may carry.
+constexpr uint8_t  LeadMask[6] = {0xFF, 0x1F, 0x0F, 0x07, 0x03, 0x01};
+constexpr uint32_t LargestCode[6] = {0x7F, 0x7FF, 0xFFFF, 0x1FFFFF, 0x3FFFFFF, 0x7FFFFFFF};
+
+// The lowest code of any CharRanges row: below it no range row can hold a
+// code, which spares the scan for everything but CJK, Hangul, surrogates and
+// private use.
+constexpr int32_t LowestRangeCode = 0x3400;
+
+// Number of continuation bytes announced by a lead byte of 0x80 or above, or
+// -1 for a byte that cannot lead (a continuation byte, 0xFE, 0xFF).
+inline int32_t continuationCount(uint32_t lead) {
+    int32_t ones = 0;
+    while (ones < 7 && (lead & (0x80u >> ones)) != 0) {
+        ++ones;
+    }
+    return (ones == 1 || ones == 7) ? -1 : ones - 1;
+}
+
+// The CharRanges row that holds `code`, or null.
+inline const CharRangeRow* findRange(int32_t code) {
+    if (code < LowestRangeCode) {
+        return nullptr;
+    }
+    for (const CharRangeRow& row : CharRanges) {
+        if (code >= row.low && code <= row.high) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+// The CharTable row of `code` when the code is assigned there, else null.
+inline const CharRow* findAssignedRow(int32_t code) {
+    int32_t row = ownLookupChar(code);
+    if (row < 0 || CharTable[row].code != code) {
+        return nullptr;
+    }
+    return &CharTable[row];
+}
+
+// A mark that may extend a cluster: an assigned CharTable row of group 0x100.
+inline bool isClusterMark(int32_t code) {
+    const CharRow* row = findAssignedRow(code);
+    return row != nullptr && (row->flags & CategoryGroupMask) == CategoryMarkGroup;
+}
+
+}  // namespace
+
+int32_t ownDecodeUtf8(const uint8_t* place, int64_t left, int32_t* code) {
+    if (left <= 0) {
+        return 0;
+    }
+    uint32_t lead = place[0];
+    if (lead < 0x80) {
+        *code = static_cast<int32_t>(lead);
+        return 1;
+    }
+    int32_t n = continuationCount(lead);
+    if (n < 0) {
+        return 0;
+    }
+    uint32_t value = (lead & LeadMask[n]) << (6 * n);
+    for (int32_t k = 1; k <= n; ++k) {
+        // A byte past the end fails like a byte that is no continuation, and
+        // a failing byte ends the read, so nothing behind it is touched.
+        if (k >= left || (place[k] & 0xC0) != 0x80) {
+            return 0;
+        }
+        value |= static_cast<uint32_t>(place[k] & 0x3F) << (6 * (n - k));
+    }
+    // Overlong: a shorter sequence could carry this code.
+    if (n > 0 && value <= LargestCode[n - 1]) {
+        return 0;
+    }
+    *code = static_cast<int32_t>(value);
+    return n + 1;
+}
+
+int32_t ownUtf8Length(const uint8_t* place, int64_t left) {
+    int32_t code;
+    int32_t length = ownDecodeUtf8(place, left, &code);
+    return length > 0 ? length : 1;
+}
+
+bool ownEqualIgnoreAsciiCase(uint8_t subjectByte, uint8_t patternByte) {
+    if (subjectByte == patternByte) {
+        return true;
+    }
+    uint8_t folded = subjectByte | 0x20;
+    return folded >= 'a' && folded <= 'z' && (subjectByte ^ patternByte) == 0x20;
+}
+
+int32_t ownLookupChar(int32_t code) {
+    if (code <= 0) {
+        return 0;
+    }
+    if (code < CharDensePrefix) {
+        return code;
+    }
+    int32_t page = code >> CharPageShift;
+    if (page >= CharPageCount) {
+        return -1;
+    }
+    // The answer lies in [first row of this page, first row of the next]:
+    // the latter when every row of this page is below the code.
+    int32_t low = CharPageFirstRow[page];
+    int32_t high = CharPageFirstRow[page + 1];
+    while (low < high) {
+        int32_t middle = low + (high - low) / 2;
+        if (CharTable[middle].code < code) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low < CharTableCount ? low : -1;
+}
+
+int32_t ownFoldCase(int32_t code) {
+    if (findRange(code) != nullptr) {
+        return code;
+    }
+    int32_t row = ownLookupChar(code);
+    if (row < 0) {
+        // Above the last row: every such code folds to 0, so any two of them
+        // compare equal when case is ignored.
+        return 0;
+    }
+    const CharRow& entry = CharTable[row];
+    if (entry.code == code && entry.lower != 0) {
+        return static_cast<int32_t>(entry.lower);
+    }
+    return code;
+}
+
+int32_t ownCheckProperty(int32_t code, int32_t mask, int32_t negate) {
+    uint32_t want = static_cast<uint32_t>(mask);
+    // Range rows compare the mask as a whole: with negate 0 every bit must be
+    // set, with negate set some bit must be clear. A range row that does not
+    // say yes does not say no either: the row search decides, and it finds
+    // no row of the code, so the code then counts as unassigned.
+    if (const CharRangeRow* range = findRange(code)) {
+        bool all = (range->flags & want) == want;
+        if (negate == 0 ? all : !all) {
+            return 1;
+        }
+    }
+    int32_t row = ownLookupChar(code);
+    if (row < 0) {
+        return -1;
+    }
+    const CharRow& entry = CharTable[row];
+    if (entry.code != code) {
+        // Unassigned: only the unassigned category itself says yes, whatever
+        // the negation.
+        return want == CategoryUnassigned ? 1 : -1;
+    }
+    uint32_t subBits = want & ~CategoryGroupMask;
+    bool holds = (entry.flags & CategoryGroupMask) == (want & CategoryGroupMask) &&
+                 (subBits == 0 || (entry.flags & subBits) != 0);
+    return (negate == 0 ? holds : !holds) ? 1 : -1;
+}
+
+int32_t ownCheckBlock(int32_t code, int32_t low, int32_t high, int32_t negate) {
+    bool inside = code >= low && code <= high;
+    return (negate == 0 ? inside : !inside) ? 1 : -1;
+}
+
+int32_t ownCheckScript(int32_t code, const int32_t* ranges, int32_t count, int32_t negate) {
+    // The pairs rise by code, so the last pair whose low is not above the
+    // code is the only one that can hold it.
+    int32_t low = 0;
+    int32_t high = count;
+    while (low < high) {
+        int32_t middle = low + (high - low) / 2;
+        if (ranges[2 * middle] <= code) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    bool held = low > 0 && code <= ranges[2 * (low - 1) + 1];
+    return (negate == 0 ? held : !held) ? 1 : -1;
+}
+
+int32_t ownReadCluster(const uint8_t* place, int64_t left) {
+    if (left <= 0) {
+        return 0;
+    }
+    int32_t code;
+    int32_t length = ownDecodeUtf8(place, left, &code);
+    if (length <= 0) {
+        // A malformed byte reads as its signed value, which no row holds.
+        code = static_cast<int8_t>(place[0]);
+        length = 1;
+    }
+    if (findRange(code) == nullptr) {
+        const CharRow* row = findAssignedRow(code);
+        if (row == nullptr || (row->flags & CategoryGroupMask) == CategoryMarkGroup) {
+            return 0;
+        }
+    }
+    int64_t read = length;
+    while (read < left) {
+        int32_t next = ownDecodeUtf8(place + read, left - read, &code);
+        if (next <= 0 || !isClusterMark(code)) {
+            break;
+        }
+        read += next;
+    }
+    return static_cast<int32_t>(read);
+}
+
+const int32_t* ownScriptRanges(uint32_t firstPair) {
+    return ScriptRangeTable + 2 * static_cast<size_t>(firstPair);
+}
