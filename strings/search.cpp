@@ -1,0 +1,185 @@
+// strings/search.cpp - element-exact search in 8-bit and 16-bit strings: a
+// needle, one character or any character of a set, forwards or backwards.
+//
+// Results are those of the plain candidate-by-candidate walk (first or last
+// occurrence, overlapping occurrences all seen, an empty needle or set found
+// nowhere). The 8-bit members reach them through the C library's memchr,
+// memrchr and memmem, since the backward searches are also the literal
+// prefilter of the regular-expression search and must keep up with memchr.
+#include <cstring>
+
+#include "core/core.h"
+#include "strings/strings_internal.h"
+
+namespace {
+
+template <typename T>
+int32_t scanC(const T* src, int32_t len, T c) {
+    if constexpr (sizeof(T) == 1) {
+        const void* p = len > 0 ? std::memchr(src, c, static_cast<size_t>(len)) : nullptr;
+        return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
+    } else {
+        for (int32_t i = 0; i < len; ++i)
+            if (src[i] == c) return i;
+        return -1;
+    }
+}
+
+template <typename T>
+int32_t scanRevC(const T* src, int32_t len, T c) {
+    if constexpr (sizeof(T) == 1) {
+        const void* p = len > 0 ? memrchr(src, c, static_cast<size_t>(len)) : nullptr;
+        return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
+    } else {
+        for (int32_t i = len - 1; i >= 0; --i)
+            if (src[i] == c) return i;
+        return -1;
+    }
+}
+
+// Needle of at least one element, not longer than the source.
+template <typename T>
+int32_t scanNeedle(const T* src, int32_t srcLen, const T* needle, int32_t needleLen) {
+    if constexpr (sizeof(T) == 1) {
+        const void* p = memmem(src, static_cast<size_t>(srcLen), needle, static_cast<size_t>(needleLen));
+        return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
+    } else {
+        const size_t tailBytes = static_cast<size_t>(needleLen - 1) * sizeof(T);
+        const int32_t last = srcLen - needleLen;  // greatest candidate
+        int32_t from = 0;
+        while (from <= last) {
+            const int32_t at = scanC(src + from, last - from + 1, needle[0]);
+            if (at < 0) return -1;
+            const int32_t pos = from + at;
+            if (std::memcmp(src + pos + 1, needle + 1, tailBytes) == 0) return pos;
+            from = pos + 1;
+        }
+        return -1;
+    }
+}
+
+template <typename T>
+int32_t scanRevNeedle(const T* src, int32_t srcLen, const T* needle, int32_t needleLen) {
+    const size_t tailBytes = static_cast<size_t>(needleLen - 1) * sizeof(T);
+    int32_t limit = srcLen - needleLen;  // candidates 0..limit
+    while (limit >= 0) {
+        const int32_t pos = scanRevC(src, limit + 1, needle[0]);
+        if (pos < 0) return -1;
+        if (std::memcmp(src + pos + 1, needle + 1, tailBytes) == 0) return pos;
+        limit = pos - 1;
+    }
+    return -1;
+}
+
+template <typename T>
+zevStatus find(const T* src, int32_t srcLen, const T* needle, int32_t needleLen, int32_t* index, bool reverse) {
+    if (ownAnyNull(src, needle, index)) return zevStatusNullPointer;
+    if (srcLen < 0 || needleLen < 0) return zevStatusBadLength;
+    *index = -1;
+    if (srcLen == 0 || needleLen == 0 || srcLen < needleLen) return zevStatusOk;
+    *index = reverse ? scanRevNeedle(src, srcLen, needle, needleLen) : scanNeedle(src, srcLen, needle, needleLen);
+    return zevStatusOk;
+}
+
+template <typename T>
+zevStatus findC(const T* src, int32_t srcLen, T c, int32_t* index, bool reverse) {
+    if (ownAnyNull(src, index)) return zevStatusNullPointer;
+    if (srcLen < 0) return zevStatusBadLength;
+    *index = reverse ? scanRevC(src, srcLen, c) : scanC(src, srcLen, c);
+    return zevStatusOk;
+}
+
+template <typename T>
+zevStatus findCAny(const T* src, int32_t srcLen, const T* set, int32_t setLen, int32_t* index, bool reverse) {
+    if (ownAnyNull(src, set, index)) return zevStatusNullPointer;
+    if (srcLen < 0 || setLen < 0) return zevStatusBadLength;
+    *index = -1;
+    const SetTest<T> inSet(set, setLen);
+    if (reverse) {
+        for (int32_t i = srcLen - 1; i >= 0; --i)
+            if (inSet(src[i])) { *index = i; break; }
+    } else {
+        for (int32_t i = 0; i < srcLen; ++i)
+            if (inSet(src[i])) { *index = i; break; }
+    }
+    return zevStatusOk;
+}
+
+template <typename T>
+int32_t measureZ(const T* s) {
+    if constexpr (sizeof(T) == 1) {
+        return static_cast<int32_t>(std::strlen(reinterpret_cast<const char*>(s)));
+    } else {
+        int32_t n = 0;
+        while (s[n] != 0) ++n;
+        return n;
+    }
+}
+
+template <typename T>
+zevStatus findZ(const T* src, const T* needle, int32_t* index) {
+    if (ownAnyNull(src, needle)) return zevStatusNullPointer;
+    return find(src, measureZ(src), needle, measureZ(needle), index, false);
+}
+
+template <typename T>
+zevStatus findCZ(const T* src, T c, int32_t* index) {
+    if (ownAnyNull(src)) return zevStatusNullPointer;
+    return findC(src, measureZ(src), c, index, false);
+}
+
+}  // namespace
+
+int32_t ownScanC(const uint8_t* src, int32_t len, uint8_t c) { return scanC(src, len, c); }
+int32_t ownScanC(const uint16_t* src, int32_t len, uint16_t c) { return scanC(src, len, c); }
+
+extern "C" {
+
+zevStatus zevsFind_8u(const uint8_t* src, int32_t srcLen, const uint8_t* needle, int32_t needleLen, int32_t* index) {
+    return find(src, srcLen, needle, needleLen, index, false);
+}
+zevStatus zevsFind_16u(const uint16_t* src, int32_t srcLen, const uint16_t* needle, int32_t needleLen, int32_t* index) {
+    return find(src, srcLen, needle, needleLen, index, false);
+}
+zevStatus zevsFindRev_8u(const uint8_t* src, int32_t srcLen, const uint8_t* needle, int32_t needleLen, int32_t* index) {
+    return find(src, srcLen, needle, needleLen, index, true);
+}
+zevStatus zevsFindRev_16u(const uint16_t* src, int32_t srcLen, const uint16_t* needle, int32_t needleLen,
+                          int32_t* index) {
+    return find(src, srcLen, needle, needleLen, index, true);
+}
+zevStatus zevsFindC_8u(const uint8_t* src, int32_t srcLen, uint8_t c, int32_t* index) {
+    return findC(src, srcLen, c, index, false);
+}
+zevStatus zevsFindC_16u(const uint16_t* src, int32_t srcLen, uint16_t c, int32_t* index) {
+    return findC(src, srcLen, c, index, false);
+}
+zevStatus zevsFindRevC_8u(const uint8_t* src, int32_t srcLen, uint8_t c, int32_t* index) {
+    return findC(src, srcLen, c, index, true);
+}
+zevStatus zevsFindRevC_16u(const uint16_t* src, int32_t srcLen, uint16_t c, int32_t* index) {
+    return findC(src, srcLen, c, index, true);
+}
+zevStatus zevsFindCAny_8u(const uint8_t* src, int32_t srcLen, const uint8_t* set, int32_t setLen, int32_t* index) {
+    return findCAny(src, srcLen, set, setLen, index, false);
+}
+zevStatus zevsFindCAny_16u(const uint16_t* src, int32_t srcLen, const uint16_t* set, int32_t setLen, int32_t* index) {
+    return findCAny(src, srcLen, set, setLen, index, false);
+}
+zevStatus zevsFindRevCAny_8u(const uint8_t* src, int32_t srcLen, const uint8_t* set, int32_t setLen, int32_t* index) {
+    return findCAny(src, srcLen, set, setLen, index, true);
+}
+zevStatus zevsFindRevCAny_16u(const uint16_t* src, int32_t srcLen, const uint16_t* set, int32_t setLen,
+                              int32_t* index) {
+    return findCAny(src, srcLen, set, setLen, index, true);
+}
+zevStatus zevsFind_Z_8u(const uint8_t* src, const uint8_t* needle, int32_t* index) {
+    return findZ(src, needle, index);
+}
+zevStatus zevsFind_Z_16u(const uint16_t* src, const uint16_t* needle, int32_t* index) {
+    return findZ(src, needle, index);
+}
+zevStatus zevsFindC_Z_8u(const uint8_t* src, uint8_t c, int32_t* index) { return findCZ(src, c, index); }
+zevStatus zevsFindC_Z_16u(const uint16_t* src, uint16_t c, int32_t* index) { return findCZ(src, c, index); }
+
+}  // extern "C"
