@@ -53,12 +53,28 @@ zevStatus ownRegExpSearchEx(const uint8_t* src, int32_t srcLen, RegExpState* sta
                             RegExpFindEntry* find, int32_t* findCount, int32_t replaceMode,
                             int32_t fastPaths);
 
+// ownRegExpSearchEx that also reports the budget left at the end (a test hook:
+// the plain and the fast path must spend the same). budgetLeft may be null.
+zevStatus ownRegExpSearchProbe(const uint8_t* src, int32_t srcLen, RegExpState* state,
+                               RegExpFindEntry* find, int32_t* findCount, int32_t replaceMode,
+                               int32_t fastPaths, int32_t* budgetLeft);
+
 // Groups and their repetition (groups.cpp).
 int32_t ownRegExpGroupOpen(const uint8_t* p, int32_t remaining, MatchContext* ctx);
 int32_t ownRegExpGroupClose(const uint8_t* p, int32_t remaining, MatchContext* ctx);
 
 // Assertions (assertions.cpp): 0 passed (currentNode moved on), 1 failed.
 int32_t ownRegExpAssert(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+
+// Lookaround heads (assertions.cpp), run inside the interpreter's loop: 0
+// passed (currentNode is behind the NodeClose), 1 failed.
+int32_t ownRegExpLookaround(const uint8_t* p, int32_t remaining, MatchContext* ctx);
+// Runs the branches of the body of the head at `head` (closing at `close`) as
+// a closed range, the first branch that matches wins; restores endNode, leaves
+// flags at the kept value. 0: a branch matched. Shared by lookaround and
+// atomic groups.
+int32_t ownRegExpRunClosed(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t head,
+                           int32_t close);
 
 // Atomic groups (atomic.cpp).
 int32_t ownRegExpAtomic(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
