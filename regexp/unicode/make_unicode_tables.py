@@ -7,6 +7,8 @@ one C++ source with the constant tables declared in unicode_tables.h:
   CharTable        one row per assigned character (code, flags, upper, lower)
   CharRanges       the ten First/Last runs of UnicodeData.txt
   CharPageFirstRow per 256-code page, the first CharTable row at or above it
+  CharClassIndex,  two-stage map from every code to its CharTable row or
+  CharClassBlocks  CharRanges row, for the matcher's per-character checks
   BlockTable       171 blocks, named "In" + the name without blanks and hyphens
   ScriptTable      77 scripts, each a slice of ScriptRangeTable
   ScriptRangeTable one (low, high) pair per data line of Scripts.txt
@@ -83,6 +85,9 @@ Saurashtra 6, Kayah_Li 4, Rejang 4, Lycian 1, Carian 1, Lydian 2, Cham 13
 EXPECTED_SCRIPT_RANGES = 1344
 
 PAGE_SHIFT = 8
+CLASS_SHIFT = 7
+CODE_SPACE = 0x110000
+RANGE_CLASS = 0xFFF0
 
 
 class TableError(Exception):
@@ -239,6 +244,28 @@ def page_first_rows(rows):
     return result
 
 
+def point_classes(rows, ranges):
+    """Two-stage classification of every code 0..0x10FFFF: 0 for no data,
+    row + 1 for a CharTable row, RANGE_CLASS + r for CharRanges row r.
+    Returns (stage 1: block number per 128 codes, stage 2: the blocks)."""
+    classes = [0] * CODE_SPACE
+    for index, row in enumerate(rows):
+        classes[row[0]] = index + 1
+    for number, (low, high, _) in enumerate(ranges):
+        for code in range(low, high + 1):
+            classes[code] = RANGE_CLASS + number
+    size = 1 << CLASS_SHIFT
+    blocks = {}
+    stage1 = []
+    for start in range(0, CODE_SPACE, size):
+        block = tuple(classes[start:start + size])
+        stage1.append(blocks.setdefault(block, len(blocks)))
+    check(len(blocks) <= 256, "class blocks do not fit one byte: %d" % len(blocks))
+    check(len(rows) < RANGE_CLASS, "too many rows for 16-bit classes")
+    stage2 = [value for block in sorted(blocks, key=blocks.get) for value in block]
+    return stage1, stage2
+
+
 def dense_prefix(rows):
     """Number of leading rows whose code equals their index."""
     count = 0
@@ -267,6 +294,11 @@ def emit(out, rows, ranges, blocks, names, pairs, command):
     w("static_assert(CharPageCount == %d, \"pages of CharPageFirstRow\");" % (len(pages) - 1))
     w("static_assert(CharDensePrefix == %d, \"rows whose code is their index\");"
       % dense_prefix(rows))
+    stage1, stage2 = point_classes(rows, ranges)
+    w("static_assert(CharClassShift == %d && CharClassRange == 0x%X, \"class encoding\");"
+      % (CLASS_SHIFT, RANGE_CLASS))
+    w("static_assert(CharClassBlockCount == %d, \"blocks of CharClassBlocks\");"
+      % (len(stage2) >> CLASS_SHIFT))
     w("")
     w("const CharRow CharTable[CharTableCount] = {")
     for code, flags, upper, lower, _ in rows:
@@ -281,6 +313,16 @@ def emit(out, rows, ranges, blocks, names, pairs, command):
     w("const uint16_t CharPageFirstRow[CharPageCount + 1] = {")
     for i in range(0, len(pages), 12):
         w("    " + " ".join("%d," % v for v in pages[i:i + 12]))
+    w("};")
+    w("")
+    w("const uint8_t CharClassIndex[CharClassIndexCount] = {")
+    for i in range(0, len(stage1), 16):
+        w("    " + " ".join("%d," % v for v in stage1[i:i + 16]))
+    w("};")
+    w("")
+    w("const uint16_t CharClassBlocks[CharClassBlockCount << CharClassShift] = {")
+    for i in range(0, len(stage2), 12):
+        w("    " + " ".join("0x%X," % v for v in stage2[i:i + 12]))
     w("};")
     w("")
     w("const BlockRow BlockTable[BlockTableCount] = {")

@@ -5,11 +5,16 @@
 // Everything here is stateless and reads only the subject and the constant
 // tables of unicode_tables.h. These run once per character in the matcher's
 // inner loops, so each takes the shortest road its result allows: ASCII is
-// decoded without a loop, the range rows are skipped below their lowest code,
-// and the row search starts from a per-page index.
+// decoded without a loop, and fold, category and cluster checks find a code's
+// row or range row through the two-stage class table in two loads. The row
+// search ownLookupChar (per-page index, then a binary search within the page)
+// gives the same answers and is kept as the reference the tests hold the
+// class table to.
 //
 // Tested by tests/unicode/utf8_reading_test.cpp and
 // tests/unicode/ucd_exhaustive_test.cpp.
+
+#include <bit>
 
 #include "regexp/regexp_record.h"
 #include "regexp/unicode/unicode_tables.h"
@@ -21,47 +26,33 @@ namespace {
 constexpr uint8_t  LeadMask[6] = {0xFF, 0x1F, 0x0F, 0x07, 0x03, 0x01};
 constexpr uint32_t LargestCode[6] = {0x7F, 0x7FF, 0xFFFF, 0x1FFFFF, 0x3FFFFFF, 0x7FFFFFFF};
 
-// The lowest code of any CharRanges row: below it no range row can hold a
-// code, which spares the scan for everything but CJK, Hangul, surrogates and
-// private use.
-constexpr int32_t LowestRangeCode = 0x3400;
-
 // Number of continuation bytes announced by a lead byte of 0x80 or above, or
 // -1 for a byte that cannot lead (a continuation byte, 0xFE, 0xFF).
 inline int32_t continuationCount(uint32_t lead) {
-    int32_t ones = 0;
-    while (ones < 7 && (lead & (0x80u >> ones)) != 0) {
-        ++ones;
-    }
-    return (ones == 1 || ones == 7) ? -1 : ones - 1;
+    int32_t ones = std::countl_one(static_cast<uint8_t>(lead));
+    return (ones == 1 || ones >= 7) ? -1 : ones - 1;
 }
 
-// The CharRanges row that holds `code`, or null.
-inline const CharRangeRow* findRange(int32_t code) {
-    if (code < LowestRangeCode) {
-        return nullptr;
+// Where the data of `code` lies: 0 none (unassigned, negative, or above
+// U+10FFFF), row + 1 for a CharTable row, CharClassRange + r for CharRanges
+// row r. One answer for what the range scan and the row search give.
+inline uint32_t charClass(int32_t code) {
+    uint32_t u = static_cast<uint32_t>(code);
+    if (u >= static_cast<uint32_t>(CharClassCodeSpace)) {
+        return 0;
     }
-    for (const CharRangeRow& row : CharRanges) {
-        if (code >= row.low && code <= row.high) {
-            return &row;
-        }
-    }
-    return nullptr;
+    uint32_t block = CharClassIndex[u >> CharClassShift];
+    return CharClassBlocks[(block << CharClassShift) | (u & ((1u << CharClassShift) - 1))];
 }
 
-// The CharTable row of `code` when the code is assigned there, else null.
-inline const CharRow* findAssignedRow(int32_t code) {
-    int32_t row = ownLookupChar(code);
-    if (row < 0 || CharTable[row].code != code) {
-        return nullptr;
-    }
-    return &CharTable[row];
-}
+inline bool isRowClass(uint32_t cls) { return cls != 0 && cls < CharClassRange; }
 
-// A mark that may extend a cluster: an assigned CharTable row of group 0x100.
-inline bool isClusterMark(int32_t code) {
-    const CharRow* row = findAssignedRow(code);
-    return row != nullptr && (row->flags & CategoryGroupMask) == CategoryMarkGroup;
+// Whether the row search finds a row at all: it does for every code up to the
+// table's last one (a row with a higher code meaning "unassigned").
+inline bool hasRowAtOrAbove(int32_t code) { return code <= CharTableLastCode; }
+
+inline bool isMarkRow(uint32_t cls) {
+    return (CharTable[cls - 1].flags & CategoryGroupMask) == CategoryMarkGroup;
 }
 
 }  // namespace
@@ -137,48 +128,45 @@ int32_t ownLookupChar(int32_t code) {
 }
 
 int32_t ownFoldCase(int32_t code) {
-    if (findRange(code) != nullptr) {
-        return code;
+    uint32_t cls = charClass(code);
+    if (isRowClass(cls)) {
+        uint32_t lower = CharTable[cls - 1].lower;
+        return lower != 0 ? static_cast<int32_t>(lower) : code;
     }
-    int32_t row = ownLookupChar(code);
-    if (row < 0) {
-        // Above the last row: every such code folds to 0, so any two of them
-        // compare equal when case is ignored.
-        return 0;
+    if (cls != 0 || hasRowAtOrAbove(code)) {
+        return code;   // a range row, or unassigned with a row above it
     }
-    const CharRow& entry = CharTable[row];
-    if (entry.code == code && entry.lower != 0) {
-        return static_cast<int32_t>(entry.lower);
-    }
-    return code;
+    // Above the last row and in no range row: every such code folds to 0, so
+    // any two of them compare equal when case is ignored.
+    return 0;
 }
 
 int32_t ownCheckProperty(int32_t code, int32_t mask, int32_t negate) {
     uint32_t want = static_cast<uint32_t>(mask);
-    // Range rows compare the mask as a whole: with negate 0 every bit must be
-    // set, with negate set some bit must be clear. A range row that does not
-    // say yes does not say no either: the row search decides, and it finds
-    // no row of the code, so the code then counts as unassigned.
-    if (const CharRangeRow* range = findRange(code)) {
-        bool all = (range->flags & want) == want;
+    uint32_t cls = charClass(code);
+    if (isRowClass(cls)) {
+        uint32_t flags = CharTable[cls - 1].flags;
+        uint32_t subBits = want & ~CategoryGroupMask;
+        bool holds = (flags & CategoryGroupMask) == (want & CategoryGroupMask) &&
+                     (subBits == 0 || (flags & subBits) != 0);
+        return (negate == 0 ? holds : !holds) ? 1 : -1;
+    }
+    if (cls != 0) {
+        // A range row compares the mask as a whole: with negate 0 every bit
+        // must be set, with negate set some bit must be clear. When it does
+        // not say yes, the row search decides, and it finds no row of the
+        // code, so the code then counts as unassigned.
+        bool all = (CharRanges[cls - CharClassRange].flags & want) == want;
         if (negate == 0 ? all : !all) {
             return 1;
         }
     }
-    int32_t row = ownLookupChar(code);
-    if (row < 0) {
-        return -1;
+    if (!hasRowAtOrAbove(code)) {
+        return -1;   // the row search falls off the table: no, whatever negate says
     }
-    const CharRow& entry = CharTable[row];
-    if (entry.code != code) {
-        // Unassigned: only the unassigned category itself says yes, whatever
-        // the negation.
-        return want == CategoryUnassigned ? 1 : -1;
-    }
-    uint32_t subBits = want & ~CategoryGroupMask;
-    bool holds = (entry.flags & CategoryGroupMask) == (want & CategoryGroupMask) &&
-                 (subBits == 0 || (entry.flags & subBits) != 0);
-    return (negate == 0 ? holds : !holds) ? 1 : -1;
+    // Unassigned: only the unassigned category itself says yes, whatever the
+    // negation.
+    return want == CategoryUnassigned ? 1 : -1;
 }
 
 int32_t ownCheckBlock(int32_t code, int32_t low, int32_t high, int32_t negate) {
@@ -214,16 +202,20 @@ int32_t ownReadCluster(const uint8_t* place, int64_t left) {
         code = static_cast<int8_t>(place[0]);
         length = 1;
     }
-    if (findRange(code) == nullptr) {
-        const CharRow* row = findAssignedRow(code);
-        if (row == nullptr || (row->flags & CategoryGroupMask) == CategoryMarkGroup) {
-            return 0;
-        }
+    // A base is a range-row character or an assigned character that is no
+    // mark; a mark, an unassigned code and a malformed byte begin nothing.
+    uint32_t cls = charClass(code);
+    if (cls == 0 || (isRowClass(cls) && isMarkRow(cls))) {
+        return 0;
     }
     int64_t read = length;
     while (read < left) {
         int32_t next = ownDecodeUtf8(place + read, left - read, &code);
-        if (next <= 0 || !isClusterMark(code)) {
+        if (next <= 0) {
+            break;
+        }
+        cls = charClass(code);
+        if (!isRowClass(cls) || !isMarkRow(cls)) {
             break;
         }
         read += next;

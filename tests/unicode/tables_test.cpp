@@ -144,4 +144,25 @@ TEST(UnicodeTables, LookupAgreesWithPlainSearch) {
     }
 }
 
+// The class table used by the per-character checks says, for every code,
+// what the range scan followed by the row search says.
+TEST(UnicodeTables, ClassTableAgreesWithRangesAndRowSearch) {
+    for (int32_t code = 0; code < CharClassCodeSpace; ++code) {
+        uint32_t expected = 0;
+        for (int32_t r = 0; r < CharRangesCount; ++r) {
+            if (code >= CharRanges[r].low && code <= CharRanges[r].high) {
+                expected = CharClassRange + static_cast<uint32_t>(r);
+            }
+        }
+        int32_t row = ownLookupChar(code);
+        if (row >= 0 && CharTable[row].code == code) {
+            ASSERT_EQ(expected, 0u) << std::hex << code << " in both tables";
+            expected = static_cast<uint32_t>(row) + 1;
+        }
+        uint32_t block = CharClassIndex[code >> CharClassShift];
+        uint32_t got = CharClassBlocks[(block << CharClassShift) | (code & ((1 << CharClassShift) - 1))];
+        ASSERT_EQ(got, expected) << std::hex << code;
+    }
+}
+
 }  // namespace
