@@ -66,6 +66,26 @@ int32_t ownDecodeUtf8(const uint8_t* place, int64_t left, int32_t* code) {
         *code = static_cast<int32_t>(lead);
         return 1;
     }
+    // The two- and three-byte forms carry nearly all non-ASCII text; they
+    // are spelled out, each byte read only when the one before it passed.
+    if (lead >= 0xC2 && lead < 0xE0) {
+        if (left < 2 || (place[1] & 0xC0) != 0x80) {
+            return 0;
+        }
+        *code = static_cast<int32_t>(((lead & 0x1F) << 6) | (place[1] & 0x3F));
+        return 2;
+    }
+    if (lead >= 0xE0 && lead < 0xF0) {
+        if (left < 3 || (place[1] & 0xC0) != 0x80 || (place[2] & 0xC0) != 0x80) {
+            return 0;
+        }
+        uint32_t value = ((lead & 0x0F) << 12) | ((place[1] & 0x3Fu) << 6) | (place[2] & 0x3Fu);
+        if (value < 0x800) {
+            return 0;
+        }
+        *code = static_cast<int32_t>(value);
+        return 3;
+    }
     int32_t n = continuationCount(lead);
     if (n < 0) {
         return 0;

@@ -10,6 +10,7 @@
 
 #include "regexp/regexp_record.h"
 #include "regexp/unicode/unicode_tables.h"
+#include "regexp/unicode/utf8_inline.h"
 
 namespace {
 
@@ -118,6 +119,23 @@ TEST(DecodeUtf8, RoundTripAndOverlongProperty) {
         }
         for (int cut = 1; cut < length; ++cut) {
             ASSERT_EQ(decode(Bytes(bytes.begin(), bytes.begin() + cut), &code), 0);
+        }
+    }
+}
+
+TEST(InlineFronts, AgreeWithTheFunctionsTheyStandFor) {
+    for (int32_t code = -300; code < 0x3000; ++code) {
+        ASSERT_EQ(ownFoldCaseInline(code), ownFoldCase(code)) << code;
+    }
+    for (int b0 = 0; b0 < 256; ++b0) {
+        for (int b1 : {0x00, 0x41, 0x80, 0xBF, 0xC0}) {
+            const uint8_t bytes[2] = {static_cast<uint8_t>(b0), static_cast<uint8_t>(b1)};
+            for (int64_t left : {0, 1, 2}) {
+                int32_t a = -7, b = -7;
+                ASSERT_EQ(ownDecodeUtf8Inline(bytes, left, &a), ownDecodeUtf8(bytes, left, &b));
+                ASSERT_EQ(a, b);
+                ASSERT_EQ(ownUtf8LengthInline(bytes, left), ownUtf8Length(bytes, left));
+            }
         }
     }
 }
