@@ -1,0 +1,188 @@
+// regexp/match/classes.cpp - bracket classes: the class check and the greedy
+// and lazy class repeats (a class without a quantifier is the greedy repeat
+// with a minimum and maximum of 1).
+//
+// A class is a NodeClass head (word1 0 or -1 for negated, word2 the number of
+// items) followed by its items. The character at the place gives three
+// things, worked out once: its first byte, its size by ownUtf8Length, and its
+// code (0 for a malformed sequence). Each item gives a signed result, negative
+// for no; the first four kinds are XORed with their invert mark in word3.
+// The results are ANDed until one is not negative, and the head's word1
+// inverts the whole.
+//
+// The greedy repeat is a loop over the items taken, not a recursion per
+// item: it tries the same lengths in the same order (longest first) and runs
+// the same continuations. Unlike the other repeats, a class goes on taking
+// characters while remaining is not 0, also where a multi-byte character has
+// overrun the search area.
+//
+// Tested by tests/match/class_test.cpp.
+
+#include "regexp/match/repeat_loops.h"
+
+using namespace zevch_match;
+
+namespace {
+
+inline bool isAsciiLetter(uint32_t c) {
+    return (c >= 0x41 && c <= 0x5A) || (c >= 0x61 && c <= 0x7A);
+}
+
+inline int32_t yesNo(bool yes) {
+    return yes ? 0 : -1;
+}
+
+int32_t rangeResult(const RegExpNode& item, uint32_t first, int32_t size, int32_t code, bool ignoreCase) {
+    int32_t low = item.word1;
+    int32_t high = item.word2;
+    if (low < 256 && high <= 255 && size == 1) {
+        // Byte form: the first byte, and under case folding the other case
+        // of an ASCII letter.
+        int32_t c = static_cast<int32_t>(first);
+        bool inside = c >= low && c <= high;
+        if (!inside && ignoreCase && isAsciiLetter(first)) {
+            int32_t other = c ^ 0x20;
+            inside = other >= low && other <= high;
+        }
+        return yesNo(inside);
+    }
+    if (ignoreCase) {
+        low = ownFoldCase(low);
+        high = ownFoldCase(high);
+        code = ownFoldCase(code);
+    }
+    return yesNo(code >= low && code <= high);
+}
+
+// +1 when the character belongs to the class at `head`, -1 when not. flags
+// are read here, at each check.
+int32_t classAnswer(const MatchContext* ctx, int32_t head, uint32_t first, int32_t size, int32_t code) {
+    const RegExpNode* nodes = ctx->nodes;
+    const int32_t items = nodes[head].word2;
+    const uint32_t flags = ctx->flags;
+    const bool ignoreCase = (flags & OptionIgnoreCase) != 0;
+    int32_t acc = -1;
+    for (int32_t i = 1; i <= items && acc < 0; ++i) {
+        const RegExpNode& item = nodes[head + i];
+        int32_t result;
+        switch (item.kind) {
+            case NodeChar: {
+                uint8_t literal = static_cast<uint8_t>(item.word1);
+                result = ignoreCase ? yesNo(ownEqualIgnoreAsciiCase(static_cast<uint8_t>(first), literal))
+                                    : -static_cast<int32_t>(first ^ literal);
+                result ^= item.word3;
+                break;
+            }
+            case NodeCharType:
+                result = ownGetCharPredicateByValue(static_cast<uint32_t>(item.word1) & 0xFF,
+                                                    flags & OptionDotAll)(first) ^ item.word3;
+                break;
+            case NodeRange:
+                result = rangeResult(item, first, size, code, ignoreCase) ^ item.word3;
+                break;
+            case NodeWideChar:
+                result = ignoreCase ? yesNo(ownFoldCase(code) == ownFoldCase(item.word1))
+                                    : yesNo(code == item.word1);
+                result ^= item.word3;
+                break;
+            case NodeProperty:
+                result = ownCheckProperty(code, item.word1, item.word2);
+                break;
+            case NodeBlock:
+                result = ownCheckBlock(code, item.word1, item.word2, item.word3);
+                break;
+            case NodeScript:
+                result = ownCheckScript(code, ownScriptRanges(item.word4), item.word3, item.word2);
+                break;
+            default:
+                result = -1;
+                break;
+        }
+        acc &= result;
+    }
+    return (acc ^ nodes[head].word1) < 0 ? -1 : 1;
+}
+
+struct CharAt {
+    uint32_t first;
+    int32_t size;
+    int32_t code;
+};
+
+inline CharAt readChar(const uint8_t* q, int32_t left) {
+    CharAt c{q[0], 1, static_cast<int32_t>(q[0])};
+    if (c.first >= 0x80) {
+        int32_t length = ownDecodeUtf8(q, left, &c.code);
+        if (length > 0) {
+            c.size = length;
+        } else {
+            c.code = 0;
+        }
+    }
+    return c;
+}
+
+struct ClassItems : Utf8Steps {
+    int32_t head;
+    AsciiMemo memo;
+    uint32_t memoFlags;
+
+    int32_t take(const uint8_t* p, int32_t offset, int32_t remaining) {
+        if (offset == remaining) {
+            return -1;
+        }
+        const uint8_t* q = p + offset;
+        int32_t left = ownBytesToEnd(ctx, q);
+        if (left <= 0) {
+            return -1;   // the subject's true end: nothing to read
+        }
+        if (q[0] < 0x80) {
+            // An ASCII byte's answer depends on the byte and the flags only.
+            if (ctx->flags != memoFlags) {
+                memo = AsciiMemo{};
+                memoFlags = ctx->flags;
+            }
+            auto check = [this](int32_t c) { return classAnswer(ctx, head, c, 1, c) > 0; };
+            return memo.answer(q[0], check) ? 1 : -1;
+        }
+        CharAt c = readChar(q, left);
+        if (classAnswer(ctx, head, c.first, c.size, c.code) < 0) {
+            return -1;
+        }
+        unit = unit && c.size == 1;
+        return c.size;
+    }
+    void scan(const uint8_t* p, int32_t remaining, int32_t& offset, int32_t& count, int32_t limit) {
+        scanByTaking(*this, p, remaining, offset, count, limit);
+    }
+};
+
+}  // namespace
+
+int32_t ownCheckClass(const uint8_t* p, int32_t left, MatchContext* ctx, int32_t head) {
+    if (left <= 0) {
+        return -1;
+    }
+    CharAt c = readChar(p, left);
+    return classAnswer(ctx, head, c.first, c.size, c.code);
+}
+
+// Greedy: the continuation is the node behind the items, or behind the
+// NodeRepeat that follows them.
+int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max) {
+    const int32_t head = ctx->currentNode;
+    int32_t next = head + ctx->nodes[head].word2 + 1;
+    if (next < ctx->endNode && ctx->nodes[next].kind == NodeRepeat) {
+        ++next;
+    }
+    ClassItems items{{ctx}, head, {}, ctx->flags};
+    return greedyRepeat(p, remaining, ctx, min, max, next, items);
+}
+
+// Lazy: the NodeRepeatLazy always stands behind the items.
+int32_t ownRepeatClassLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max) {
+    const int32_t head = ctx->currentNode;
+    const int32_t next = head + ctx->nodes[head].word2 + 2;
+    ClassItems items{{ctx}, head, {}, ctx->flags};
+    return lazyRepeat(p, remaining, ctx, min, max, next, -1, items);
+}
