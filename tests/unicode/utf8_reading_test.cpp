@@ -150,76 +150,39 @@ TEST(EqualIgnoreAsciiCase, AllBytePairs) {
     }
 }
 
-TEST(FoldCase, MappingsRangesAndTheEndOfTheTable) {
-    EXPECT_EQ(ownFoldCase('A'), 'a');
-    EXPECT_EQ(ownFoldCase('a'), 'a');
-    EXPECT_EQ(ownFoldCase(0x130), 0x69);
-    EXPECT_EQ(ownFoldCase(0x212A), 0x6B);
-    EXPECT_EQ(ownFoldCase(0x1C5), 0x1C6);
-    EXPECT_EQ(ownFoldCase(0x1E9E), 0xDF);
-    EXPECT_EQ(ownFoldCase(0xDF), 0xDF);
-    EXPECT_EQ(ownFoldCase(0x17F), 0x17F);   // only an upper mapping
-    EXPECT_EQ(ownFoldCase(0x10A0), 0x2D00);
-    EXPECT_EQ(ownFoldCase(0x10400), 0x10428);
-    EXPECT_EQ(ownFoldCase(0x4E00), 0x4E00);   // range row
-    EXPECT_EQ(ownFoldCase(0x10FFFD), 0x10FFFD);  // range row above the last row
-    EXPECT_EQ(ownFoldCase(0x9FC4), 0x9FC4);   // unassigned below the last row
-    EXPECT_EQ(ownFoldCase(0xE01EF), 0xE01EF);
-    EXPECT_EQ(ownFoldCase(0xE01F0), 0);       // above the last row
-    EXPECT_EQ(ownFoldCase(0x10FFFF), 0);
-    EXPECT_EQ(ownFoldCase(0x7FFFFFFF), 0);
-    EXPECT_EQ(ownFoldCase(-3), -3);
-}
-
-TEST(CheckProperty, AssignedRowsByGroupAndSubBits) {
-    EXPECT_EQ(ownCheckProperty('A', 0x82, 0), 1);
-    EXPECT_EQ(ownCheckProperty('A', 0x80, 0), 1);
-    EXPECT_EQ(ownCheckProperty('A', 0x87, 0), 1);
-    EXPECT_EQ(ownCheckProperty('A', 0x81, 0), -1);
-    EXPECT_EQ(ownCheckProperty('A', 0x81, -1), 1);
-    EXPECT_EQ(ownCheckProperty('A', 0x100, 0), -1);
-    EXPECT_EQ(ownCheckProperty('A', 0x100, -1), 1);
-    EXPECT_EQ(ownCheckProperty(0x1C5, 0x87, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0x2B0, 0x87, 0), -1);   // Lm
-    EXPECT_EQ(ownCheckProperty(0x300, 0x101, 0), 1);
-    EXPECT_EQ(ownCheckProperty('5', 0x801, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0, 0x2001, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0, 0x2010, 0), -1);
-    EXPECT_EQ(ownCheckProperty(0x10D0, 0x90, 0), 1);   // Lo in this version
-}
-
-TEST(CheckProperty, UnassignedAndBeyondTheTable) {
-    for (int32_t code : {0x378, 0x9FC4, 0x524, 0xA6A0, 0xE0080, -1}) {
-        EXPECT_EQ(ownCheckProperty(code, 0x2010, 0), 1) << std::hex << code;
-        EXPECT_EQ(ownCheckProperty(code, 0x2010, -1), 1) << std::hex << code;
-        EXPECT_EQ(ownCheckProperty(code, 0x80, 0), -1) << std::hex << code;
-        EXPECT_EQ(ownCheckProperty(code, 0x80, -1), -1) << std::hex << code;
-        EXPECT_EQ(ownCheckProperty(code, 0x2000, -1), -1) << std::hex << code;
-    }
-    for (int32_t code : {0xE01F0, 0x10FFFF, 0x7FFFFFFF}) {
-        EXPECT_EQ(ownCheckProperty(code, 0x2010, 0), -1) << std::hex << code;
-        EXPECT_EQ(ownCheckProperty(code, 0x80, -1), -1) << std::hex << code;
+// Codes 0 to 0x10FFFF are checked against the data files in
+// ucd_exhaustive_test.cpp; these are the rules' corners and what lies outside.
+TEST(FoldCase, RangeRowsTitlecaseAndTheEndOfTheTable) {
+    const struct { int32_t code, folded; } cases[] = {
+        {'A', 'a'}, {0x1C5, 0x1C6}, {0x17F, 0x17F}, {0x4E00, 0x4E00},
+        {0x10FFFD, 0x10FFFD},            // range row above the last row
+        {0x9FC4, 0x9FC4}, {0xE01EF, 0xE01EF},
+        {0xE01F0, 0}, {0x10FFFF, 0}, {0x7FFFFFFF, 0}, {-3, -3}};
+    for (auto c : cases) {
+        EXPECT_EQ(ownFoldCase(c.code), c.folded) << std::hex << c.code;
     }
 }
 
-// A range row decides only when it says yes; otherwise the row search finds
-// no row of the code and the unassigned rule answers.
-TEST(CheckProperty, RangeRowsAnswerYesOrFallThrough) {
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x90, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x80, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x82, 0), -1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x82, -1), 1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x90, -1), -1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x2010, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0x4E00, 0x2010, -1), 1);
-    EXPECT_EQ(ownCheckProperty(0xE000, 0x2004, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0xE000, 0x2000, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0xD800, 0x2008, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0xD800, 0x2004, 0), -1);
-    // Above the last row a refused range test has nothing to fall back on.
-    EXPECT_EQ(ownCheckProperty(0x100000, 0x2004, 0), 1);
-    EXPECT_EQ(ownCheckProperty(0x100000, 0x2010, 0), -1);
-    EXPECT_EQ(ownCheckProperty(0x100000, 0x2004, -1), -1);
+TEST(CheckProperty, GroupSubBitsNegationUnassignedAndRangeRows) {
+    const struct { int32_t code, mask, negate, answer; } cases[] = {
+        {'A', 0x82, 0, 1}, {'A', 0x80, 0, 1}, {'A', 0x87, 0, 1}, {'A', 0x81, 0, -1},
+        {'A', 0x81, -1, 1}, {'A', 0x100, -1, 1}, {0x1C5, 0x87, 0, 1}, {0x2B0, 0x87, 0, -1},
+        {0, 0x2001, 0, 1}, {0, 0x2010, 0, -1},
+        // Unassigned below the last row: only Cn, negated or not.
+        {0x378, 0x2010, 0, 1}, {0x378, 0x2010, -1, 1}, {0x378, 0x80, -1, -1},
+        {0xE0080, 0x2000, -1, -1}, {-1, 0x2010, 0, 1}, {-1, 0x80, -1, -1},
+        // Beyond the table: nothing.
+        {0xE01F0, 0x2010, 0, -1}, {0x7FFFFFFF, 0x80, -1, -1},
+        // A range row says yes on its own; a refused test falls through to
+        // the row search, which treats the code as unassigned.
+        {0x4E00, 0x90, 0, 1}, {0x4E00, 0x80, 0, 1}, {0x4E00, 0x82, 0, -1},
+        {0x4E00, 0x82, -1, 1}, {0x4E00, 0x90, -1, -1}, {0x4E00, 0x2010, 0, 1},
+        {0x4E00, 0x2010, -1, 1}, {0xE000, 0x2000, 0, 1}, {0xD800, 0x2004, 0, -1},
+        {0x100000, 0x2004, 0, 1}, {0x100000, 0x2010, 0, -1}, {0x100000, 0x2004, -1, -1}};
+    for (auto c : cases) {
+        EXPECT_EQ(ownCheckProperty(c.code, c.mask, c.negate), c.answer)
+            << std::hex << c.code << " " << c.mask << " " << c.negate;
+    }
 }
 
 TEST(CheckBlockAndScript, InsideOutsideAndNegation) {
