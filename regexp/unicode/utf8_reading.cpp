@@ -51,6 +51,12 @@ inline bool isRowClass(uint32_t cls) { return cls != 0 && cls < CharClassRange; 
 // table's last one (a row with a higher code meaning "unassigned").
 inline bool hasRowAtOrAbove(int32_t code) { return code <= CharTableLastCode; }
 
+// +1 when the condition holds and negate is 0, or fails and negate is set;
+// -1 otherwise. Without a branch: the outcome follows the text.
+inline int32_t answer(bool condition, int32_t negate) {
+    return 2 * static_cast<int32_t>(condition ^ (negate != 0)) - 1;
+}
+
 inline bool isMarkRow(uint32_t cls) {
     return (CharTable[cls - 1].flags & CategoryGroupMask) == CategoryMarkGroup;
 }
@@ -165,11 +171,13 @@ int32_t ownCheckProperty(int32_t code, int32_t mask, int32_t negate) {
     uint32_t want = static_cast<uint32_t>(mask);
     uint32_t cls = charClass(code);
     if (isRowClass(cls)) {
+        // Computed without branches, as whether a letter is upper or lower
+        // case is as unpredictable as the text.
         uint32_t flags = CharTable[cls - 1].flags;
         uint32_t subBits = want & ~CategoryGroupMask;
-        bool holds = (flags & CategoryGroupMask) == (want & CategoryGroupMask) &&
-                     (subBits == 0 || (flags & subBits) != 0);
-        return (negate == 0 ? holds : !holds) ? 1 : -1;
+        bool sameGroup = ((flags ^ want) & CategoryGroupMask) == 0;
+        bool subBitsFit = (subBits == 0) | ((flags & subBits) != 0);
+        return answer(sameGroup & subBitsFit, negate);
     }
     if (cls != 0) {
         // A range row compares the mask as a whole: with negate 0 every bit
@@ -190,8 +198,7 @@ int32_t ownCheckProperty(int32_t code, int32_t mask, int32_t negate) {
 }
 
 int32_t ownCheckBlock(int32_t code, int32_t low, int32_t high, int32_t negate) {
-    bool inside = code >= low && code <= high;
-    return (negate == 0 ? inside : !inside) ? 1 : -1;
+    return answer((code >= low) & (code <= high), negate);
 }
 
 int32_t ownCheckScript(int32_t code, const int32_t* ranges, int32_t count, int32_t negate) {
@@ -208,7 +215,7 @@ int32_t ownCheckScript(int32_t code, const int32_t* ranges, int32_t count, int32
         }
     }
     bool held = low > 0 && code <= ranges[2 * (low - 1) + 1];
-    return (negate == 0 ? held : !held) ? 1 : -1;
+    return answer(held, negate);
 }
 
 int32_t ownReadCluster(const uint8_t* place, int64_t left) {
