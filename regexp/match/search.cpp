@@ -1,0 +1,647 @@
+// regexp/match/search.cpp - the search driver: zevsRegExpFind_8u and
+// ownRegExpSearch.
+//
+// Between the exported call and the interpreter: argument checks, the cut of
+// the subject behind the last occurrence of the pattern's trailing literal,
+// the anchor analysis of node 0, and the walk over start positions, one call
+// of ownRegExpMatch per place and top-level branch. The global mode goes on
+// behind each match and handles empty matches with a one-byte retry. Nothing
+// is allocated: the context lives on this stack, the scratch tables inside
+// the record.
+//
+// Shortcuts (fastPaths 1) skip start places that every top-level branch turns
+// down at its first node, charging exactly the units those attempts would
+// have spent (see SkipPlan). Budget, results and captures are those of the
+// plain walk; tests/match/fast_path_test.cpp compares the two.
+//
+// Tested by tests/match/search_test.cpp and fast_path_test.cpp.
+#include <cstring>
+
+#include "regexp/match/match_internal.h"
+#include "regexp/match/stack_guard.h"
+
+namespace {
+
+enum AnchorMode : int32_t {
+    AnchorNone = 0,    // every place is tried
+    AnchorLine = 1,    // the scan's start, then only behind newlines
+    AnchorStart = 2,   // one attempt, where the scan starts
+};
+
+constexpr uint8_t Newline = 10;
+
+// Below this many bytes a search does not build a skip plan: the plain walk
+// is as quick as working the plan out.
+constexpr int32_t SkipPlanMinLength = 256;
+
+// A cost of 0 in SkipPlan::cost means "not known to fail: make the attempt".
+constexpr uint8_t CostUnknown = 0;
+constexpr int32_t CostCap = 250;   // larger costs are left to the real attempt
+
+// Start places whose attempt is known to fail at the first node of every
+// top-level branch, and the units such an attempt spends. An attempt that
+// fails this way reads only the byte at the place, so its cost depends on
+// that byte alone: cost[b] for a place whose byte is b (with at least one
+// byte left in the search area).
+struct SkipPlan {
+    bool byByte;           // cost[] holds at least one known cost
+    bool lineStart;        // the pattern is one branch led by the line-start anchor
+    int32_t candidate;     // the only byte of unknown cost, or -1
+    uint8_t cost[256];
+};
+
+struct Search {
+    MatchContext ctx;
+    const RegExpState* state;
+    int32_t anchorMode;
+    SkipPlan plan;
+};
+
+inline uint8_t upperAscii(uint8_t c) {
+    return (c >= 'a' && c <= 'z') ? static_cast<uint8_t>(c - 32) : c;
+}
+
+// ---------------------------------------------------------------------------
+// Trailing-literal cut: no match can end behind the last occurrence of the
+// literal every match ends with. Only ASCII letters fold here.
+
+int32_t lastLiteralEnd(const uint8_t* src, int32_t srcLen, const RegExpState* state) {
+    const RegExpNode& t = state->nodes[state->trailingLiteral];
+    const bool ignoreCase = (static_cast<uint32_t>(t.word3) & OptionIgnoreCase) != 0;
+    int32_t pos = -1;
+    int32_t length;
+    if (t.kind == NodeChar) {
+        const uint8_t c = static_cast<uint8_t>(t.word1);
+        length = 1;
+        if (!ignoreCase) {
+            zevsFindRevC_8u(src, srcLen, c, &pos);
+        } else {
+            const uint8_t up = upperAscii(c);
+            for (int32_t i = srcLen - 1; i >= 0; --i) {
+                if (upperAscii(src[i]) == up) {
+                    pos = i;
+                    break;
+                }
+            }
+        }
+    } else {
+        const uint8_t* bytes = ownNodeStringBytes(state, t);
+        length = t.word2;
+        if (!ignoreCase) {
+            zevsFindRev_8u(src, srcLen, bytes, length, &pos);
+        } else {
+            for (int32_t i = srcLen - length; i >= 0 && pos < 0; --i) {
+                int32_t j = 0;
+                while (j < length && upperAscii(src[i + j]) == upperAscii(bytes[j])) {
+                    ++j;
+                }
+                if (j == length) {
+                    pos = i;
+                }
+            }
+        }
+    }
+    return pos < 0 ? 0 : pos + length;
+}
+
+// ---------------------------------------------------------------------------
+// Anchor analysis: only node 0 and the record's own options count.
+
+int32_t anchorModeOf(const RegExpState* state) {
+    if (state->nodeCount < 1 || state->nodes[0].kind != NodeAssert) {
+        return AnchorNone;
+    }
+    for (int32_t i = 0; i < state->nodeCount; ++i) {
+        if (state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0) {
+            return AnchorNone;
+        }
+    }
+    int32_t mode;
+    switch (state->nodes[0].word1) {
+    case 'A':
+    case 'G':
+        mode = AnchorStart;
+        break;
+    case '^':
+        mode = (state->options & OptionMultiLine) ? AnchorLine : AnchorStart;
+        break;
+    default:
+        mode = AnchorNone;
+        break;
+    }
+    if (mode == AnchorStart && state->nodeCount > 1) {
+        const RegExpNode& next = state->nodes[1];
+        if ((next.kind == NodeRepeat || next.kind == NodeRepeatLazy) && next.word1 == 0) {
+            mode = AnchorNone;   // an optional anchor binds nothing
+        }
+    }
+    return mode;
+}
+
+// ---------------------------------------------------------------------------
+// The skip plan. failCost gives the units an attempt spends when the node at
+// `at` (run with `flags`) turns down a place whose byte is b, provided that it
+// does so without reading further and without running any continuation; 0
+// when that is not certain.
+
+int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth);
+
+// The repeat standing at index `t`, if any.
+inline const RegExpNode* repeatAt(const RegExpState* state, int32_t t) {
+    if (t >= state->nodeCount) {
+        return nullptr;
+    }
+    const RegExpNode* n = &state->nodes[t];
+    return (n->kind == NodeRepeat || n->kind == NodeRepeatLazy) ? n : nullptr;
+}
+
+// A class whose every item looks at the first byte only (literal bytes and
+// character types) decides every byte value; others decide ASCII alone.
+bool classDecidesByFirstByte(const RegExpState* state, int32_t head) {
+    const int32_t items = state->nodes[head].word2;
+    for (int32_t i = head + 1; i <= head + items; ++i) {
+        const uint32_t kind = state->nodes[i].kind;
+        if (kind != NodeChar && kind != NodeCharType) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Units of a group (NodeGroup, NodeCapture, NodeOptionGroup, NodeAtomic) that
+// must take an iteration and whose every branch turns b down: the head, then
+// the first node of each branch.
+int32_t groupFailCost(Search* s, int32_t head, uint32_t flags, uint8_t b, int32_t depth) {
+    const RegExpState* state = s->state;
+    const RegExpNode& node = state->nodes[head];
+    const int32_t close = head + node.word2 + 1;
+    if (node.word2 == 0 || close >= state->nodeCount) {
+        return 0;
+    }
+    const RegExpNode* rep = repeatAt(state, close + 1);
+    if (rep != nullptr && rep->word1 < 1) {
+        return 0;   // may do without the group: the continuation runs
+    }
+    if (node.kind == NodeOptionGroup) {
+        flags = static_cast<uint32_t>(node.word3);
+    }
+    int32_t total = 1;
+    int32_t k = head + 1;
+    for (;;) {
+        if (k >= close) {
+            return 0;   // an empty branch runs into the NodeClose
+        }
+        const int32_t c = failCost(s, k, flags, b, depth + 1);
+        if (c == 0) {
+            return 0;
+        }
+        total += c;
+        int32_t i = k;
+        while (i < close && !(state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == node.word1)) {
+            ++i;
+        }
+        if (i >= close) {
+            break;
+        }
+        flags = static_cast<uint32_t>(state->nodes[i].word2);
+        k = i + 1;
+    }
+    return total > CostCap ? 0 : total;
+}
+
+int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth) {
+    const RegExpState* state = s->state;
+    if (at >= state->nodeCount || depth > 32) {
+        return 0;
+    }
+    const RegExpNode& node = state->nodes[at];
+    const bool ignoreCase = (flags & OptionIgnoreCase) != 0;
+    switch (node.kind) {
+    case NodeChar: {
+        const RegExpNode* rep = repeatAt(state, at + 1);
+        if (rep != nullptr && rep->word1 < 1) {
+            return 0;
+        }
+        const uint8_t c = static_cast<uint8_t>(node.word1);
+        const bool same = ignoreCase ? ownEqualIgnoreAsciiCase(b, c) : b == c;
+        return same ? 0 : 1;
+    }
+    case NodeString: {
+        const uint8_t c = ownNodeStringBytes(state, node)[0];
+        const bool same = ignoreCase ? ownEqualIgnoreAsciiCase(b, c) : b == c;
+        return same ? 0 : 1;
+    }
+    case NodeCharType: {
+        const RegExpNode* rep = repeatAt(state, at + 1);
+        if (rep != nullptr && rep->word1 < 1) {
+            return 0;
+        }
+        // The predicates judge the first byte of the character alone.
+        const uint32_t letter = static_cast<uint32_t>(node.word1) & 0xFF;
+        return ownGetCharPredicateByValue(letter, flags & OptionDotAll)(b) < 0 ? 1 : 0;
+    }
+    case NodeClass: {
+        const RegExpNode* rep = repeatAt(state, at + node.word2 + 1);
+        if (rep != nullptr && rep->word1 < 1) {
+            return 0;
+        }
+        if (b >= 0x80 && !classDecidesByFirstByte(state, at)) {
+            return 0;
+        }
+        // One byte on its own is a whole character for such a class.
+        const uint8_t one[1] = {b};
+        MatchContext probe = s->ctx;
+        probe.flags = flags;
+        probe.subject = one;
+        probe.subjectLength = 1;
+        return ownCheckClass(one, 1, &probe, at) < 0 ? 1 : 0;
+    }
+    case NodeGroup:
+    case NodeCapture:
+    case NodeOptionGroup:
+        return groupFailCost(s, at, flags, b, depth);
+    case NodeAtomic: {
+        const RegExpNode* rep = repeatAt(state, at + node.word2 + 2);
+        if (rep != nullptr && rep->word1 < 1) {
+            return 0;
+        }
+        return groupFailCost(s, at, flags, b, depth);
+    }
+    default:
+        return 0;
+    }
+}
+
+void buildSkipPlan(Search* s) {
+    const RegExpState* state = s->state;
+    SkipPlan& plan = s->plan;
+    plan.byByte = false;
+    plan.lineStart = false;
+    plan.candidate = -1;
+    std::memset(plan.cost, CostUnknown, sizeof plan.cost);
+    if (s->ctx.fastPaths == 0 || s->anchorMode != AnchorNone || state->nodeCount < 1) {
+        return;
+    }
+    // Top-level branches: node 0 and behind each NodeAlternate of id 0.
+    int32_t starts[64];
+    uint32_t flags[64];
+    int32_t branches = 0;
+    starts[branches] = 0;
+    flags[branches++] = state->options;
+    for (int32_t i = 0; i < state->nodeCount; ++i) {
+        if (state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0) {
+            if (branches == 64) {
+                return;
+            }
+            starts[branches] = i + 1;
+            flags[branches++] = static_cast<uint32_t>(state->nodes[i].word2);
+        }
+    }
+    const RegExpNode& first = state->nodes[0];
+    if (branches == 1 && first.kind == NodeAssert && first.word1 == AssertLineStartAnchor) {
+        const RegExpNode* rep = repeatAt(state, 1);
+        plan.lineStart = rep == nullptr || rep->word1 >= 1;
+        return;
+    }
+    int32_t unknown = 0;
+    for (int32_t b = 0; b < 256; ++b) {
+        int32_t total = 0;
+        for (int32_t i = 0; i < branches && (i == 0 || total > 0); ++i) {
+            const int32_t c = failCost(s, starts[i], flags[i], static_cast<uint8_t>(b), 0);
+            total = c == 0 ? 0 : total + c;
+        }
+        if (total > CostCap) {
+            total = 0;
+        }
+        plan.cost[b] = static_cast<uint8_t>(total);
+        if (total == 0) {
+            ++unknown;
+            plan.candidate = b;
+        } else {
+            plan.byByte = true;
+        }
+    }
+    if (unknown != 1) {
+        plan.candidate = -1;
+    }
+}
+
+// ---------------------------------------------------------------------------
+// One attempt at a place: the top-level branches in turn, capture records
+// cleared once per place. 0: matched, capture record 0 holds the match.
+
+int32_t attempt(const uint8_t* p, int32_t remaining, Search* s) {
+    MatchContext* ctx = &s->ctx;
+    const RegExpState* state = s->state;
+    ctx->currentNode = 0;
+    ctx->reentry = 0;
+    ctx->flags = state->options;
+    for (int32_t i = 1; i < ctx->captureCount; ++i) {
+        ctx->captures[i].start = 0;
+        ctx->captures[i].length = -1;
+    }
+    for (;;) {
+        ctx->captures[0].start = static_cast<int32_t>(p - ctx->subject);
+        ctx->captures[0].length = 0;
+        if (ownRegExpMatch(p, remaining, ctx) == 0) {
+            return 0;
+        }
+        int32_t i = ctx->currentNode;
+        while (i < state->nodeCount && !(state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0)) {
+            ++i;
+        }
+        if (i >= state->nodeCount) {
+            return 1;
+        }
+        ctx->flags = static_cast<uint32_t>(state->nodes[i].word2);
+        ctx->currentNode = i + 1;   // may be nodeCount: an empty last branch
+    }
+}
+
+// The step from one place to the next.
+inline int32_t placeStep(const Search* s, const uint8_t* p) {
+    if (s->ctx.format != 1) {
+        return 1;
+    }
+    return ownUtf8Length(p, ownBytesToEnd(&s->ctx, p));
+}
+
+// Walks the places from `from` as the scan steps over them, up to the first
+// at or behind `to`, which it returns; *count gets the number passed.
+const uint8_t* walkPlaces(const Search* s, const uint8_t* from, const uint8_t* to, int64_t* count) {
+    if (s->ctx.format != 1) {
+        *count = to - from;
+        return to;
+    }
+    int64_t n = 0;
+    while (from < to) {
+        from += *from < 0x80 ? 1 : placeStep(s, from);
+        ++n;
+    }
+    *count = n;
+    return from;
+}
+
+// Charges `units` for attempts skipped. false: the budget ran out on the way,
+// where the plain walk would have gone on without work and found nothing.
+inline bool charge(MatchContext* ctx, int64_t units) {
+    if (units > static_cast<int64_t>(ctx->budget)) {
+        ctx->budget = -1;
+        return false;
+    }
+    ctx->budget -= static_cast<int32_t>(units);
+    return true;
+}
+
+// Skips the places from *p on that the plan knows to fail. false: the scan is
+// over without a match (budget gone, or the last step overran the area).
+bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
+    MatchContext* ctx = &s->ctx;
+    const SkipPlan& plan = s->plan;
+    const uint8_t* q = *p;
+    const uint8_t* end = q + *remaining;   // places with a byte left
+    if (ctx->budget < 0) {
+        return false;   // every further attempt fails without work
+    }
+    if (plan.lineStart) {
+        if (q == end || q == ctx->subject || q[-1] == Newline) {
+            return true;
+        }
+        // Each place up to and including the next newline fails at the anchor.
+        const void* nl = std::memchr(q, Newline, static_cast<size_t>(end - q));
+        int64_t places;
+        const uint8_t* to = walkPlaces(s, q, nl ? static_cast<const uint8_t*>(nl) + 1 : end, &places);
+        if (!charge(ctx, places)) {
+            return false;
+        }
+        *remaining -= static_cast<int32_t>(to - q);
+        *p = to;
+        return *remaining >= 0;
+    }
+    if (!plan.byByte) {
+        return true;
+    }
+    int64_t spent = 0;
+    const int64_t room = static_cast<int64_t>(ctx->budget) + 1;   // spending this much exhausts it
+    if (plan.candidate >= 0 && (ctx->format != 1 || plan.candidate < 0x80 || plan.candidate >= 0xC0)) {
+        // Every other byte has one and the same cost: find the candidate.
+        const uint8_t unit = plan.cost[plan.candidate == 0 ? 1 : 0];
+        const void* hit = std::memchr(q, plan.candidate, static_cast<size_t>(end - q));
+        int64_t places;
+        const uint8_t* to = walkPlaces(s, q, hit ? static_cast<const uint8_t*>(hit) : end, &places);
+        spent = places * unit;
+        if (spent >= room) {
+            ctx->budget = -1;
+            return false;
+        }
+        ctx->budget -= static_cast<int32_t>(spent);
+        *remaining -= static_cast<int32_t>(to - q);
+        *p = to;
+        return *remaining >= 0;
+    }
+    while (q < end) {
+        const uint8_t c = plan.cost[*q];
+        if (c == CostUnknown) {
+            break;
+        }
+        spent += c;
+        if (spent >= room) {
+            ctx->budget = -1;
+            return false;
+        }
+        q += *q < 0x80 ? 1 : placeStep(s, q);
+    }
+    ctx->budget -= static_cast<int32_t>(spent);
+    *remaining -= static_cast<int32_t>(q - *p);
+    *p = q;
+    return *remaining >= 0;
+}
+
+// The scan from p: attempts at successive places as the anchor mode allows.
+// 0: matched (capture record 0 holds the match).
+int32_t scan(const uint8_t* p, int32_t remaining, Search* s) {
+    for (;;) {
+        if (s->plan.byByte || s->plan.lineStart) {
+            if (!skipPlaces(s, &p, &remaining)) {
+                return 1;
+            }
+        }
+        if (attempt(p, remaining, s) == 0) {
+            return 0;
+        }
+        const uint8_t* stepped = p;
+        const int32_t areaLeft = remaining;
+        const int32_t step = placeStep(s, p);
+        p += step;
+        remaining -= step;
+        if (s->anchorMode == AnchorLine) {
+            // Behind the first newline at or after the character stepped over.
+            const void* nl = areaLeft > 0 ? std::memchr(stepped, Newline, static_cast<size_t>(areaLeft)) : nullptr;
+            if (nl == nullptr) {
+                return 1;
+            }
+            p = static_cast<const uint8_t*>(nl) + 1;
+            remaining = areaLeft - static_cast<int32_t>(p - stepped);
+        }
+        if (remaining < 0 || s->anchorMode == AnchorStart) {
+            return 1;
+        }
+    }
+}
+
+// Writes capture records [from, to) as find entries.
+void storeEntries(const Search* s, int32_t from, int32_t to, RegExpFindEntry* out) {
+    for (int32_t i = from; i < to; ++i) {
+        const CaptureRecord& cap = s->ctx.captures[i];
+        out->start = cap.length == -1 ? nullptr : const_cast<uint8_t*>(s->ctx.subject) + cap.start;
+        out->length = cap.length;
+        ++out;
+    }
+}
+
+zevStatus singleSearch(Search* s, int32_t searchLen, RegExpFindEntry* find, int32_t* findCount) {
+    if (*findCount > s->ctx.captureCount) {
+        *findCount = s->ctx.captureCount;
+    }
+    if (scan(s->ctx.subject, searchLen, s) == 0) {
+        storeEntries(s, 0, *findCount, find);
+        return zevStatusOk;
+    }
+    if (s->ctx.budget < 0) {
+        return zevStatusRegExpMatchLimit;
+    }
+    *findCount = 0;
+    return zevStatusOk;
+}
+
+zevStatus globalSearch(Search* s, int32_t searchLen, RegExpFindEntry* find, int32_t* findCount,
+                       int32_t replaceMode) {
+    MatchContext* ctx = &s->ctx;
+    const int32_t firstEntry = (replaceMode == 0 && ctx->captureCount > 1) ? 1 : 0;
+    const int32_t perMatch = ctx->captureCount - firstEntry;
+    const int32_t lastStart = *findCount - perMatch;
+    int32_t count = 0;
+    const uint8_t* p = ctx->subject;
+    int32_t len = searchLen;
+    for (;;) {
+        if (count > lastStart) {
+            break;
+        }
+        if (scan(p, len, s) != 0) {
+            break;
+        }
+        storeEntries(s, firstEntry, ctx->captureCount, find + count);
+        count += perMatch;
+        if (ctx->budget < 0) {
+            return zevStatusRegExpMatchLimit;   // *findCount keeps its input
+        }
+        const uint8_t* m = ctx->subject + ctx->captures[0].start;
+        const int32_t l = ctx->captures[0].length;
+        const int32_t rest = static_cast<int32_t>(p + len - m);
+        if (l != 0) {
+            p = m + l;
+            len = rest - l;
+        } else if (count >= lastStart || rest < 1) {
+            p = m + 1;
+            len = rest - 1;
+        } else {
+            // An empty match with room left: is there a non-empty one at the
+            // same place? The retry sees an area that ends one byte behind m.
+            ctx->rejectEmpty = 1;
+            if (scan(m, 1, s) == 0) {
+                storeEntries(s, firstEntry, ctx->captureCount, find + count);
+                count += perMatch;
+            }
+            if (ctx->budget < 0) {
+                return zevStatusRegExpMatchLimit;
+            }
+            ctx->rejectEmpty = 0;
+            p = m + 1;   // one byte on, in UTF-8 too
+            len = rest - 1;
+        }
+        if (len < 0) {
+            break;
+        }
+    }
+    *findCount = count;
+    return zevStatusOk;
+}
+
+zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, RegExpFindEntry* find,
+                     int32_t* findCount, int32_t replaceMode, int32_t fastPaths, int32_t* budgetLeft) {
+    if (src == nullptr || state == nullptr || find == nullptr || findCount == nullptr) {
+        return zevStatusNullPointer;
+    }
+    if (srcLen < 0) {
+        return zevStatusBadLength;
+    }
+    if (*findCount < 1) {
+        return zevStatusBadSize;
+    }
+    if (state->magic != RegExpMagic) {
+        return zevStatusRegExpBadState;
+    }
+
+    int32_t searchLen = srcLen;
+    if (state->trailingLiteral >= 0) {
+        searchLen = lastLiteralEnd(src, srcLen, state);
+    }
+
+    Search s;
+    MatchContext& ctx = s.ctx;
+    ctx.currentNode = 0;
+    ctx.endNode = state->nodeCount;
+    ctx.reentry = 0;
+    ctx.flags = state->options;
+    ctx.rejectEmpty = 0;
+    ctx.captureCount = state->captureCount;
+    ctx.budget = state->matchLimit;
+    ctx.format = state->format;
+    ctx.subject = src;
+    ctx.nodes = state->nodes;
+    ctx.captures = state->captures;
+    ctx.groups = state->groups;
+    ctx.state = state;
+    ctx.subjectLength = srcLen;
+    ctx.fastPaths = fastPaths;
+    ctx.stackLimit = ownStackGuardLimit();
+    s.state = state;
+    s.anchorMode = anchorModeOf(state);
+    s.plan.byByte = false;
+    s.plan.lineStart = false;
+    if (fastPaths != 0 && searchLen >= SkipPlanMinLength) {
+        buildSkipPlan(&s);
+    }
+
+    const zevStatus status = (state->options & OptionGlobal)
+                                 ? globalSearch(&s, searchLen, find, findCount, replaceMode)
+                                 : singleSearch(&s, searchLen, find, findCount);
+    if (budgetLeft != nullptr) {
+        *budgetLeft = ctx.budget;
+    }
+    return status;
+}
+
+}  // namespace
+
+zevStatus ownRegExpSearchProbe(const uint8_t* src, int32_t srcLen, RegExpState* state,
+                               RegExpFindEntry* find, int32_t* findCount, int32_t replaceMode,
+                               int32_t fastPaths, int32_t* budgetLeft) {
+    return searchImpl(src, srcLen, state, find, findCount, replaceMode, fastPaths, budgetLeft);
+}
+
+zevStatus ownRegExpSearchEx(const uint8_t* src, int32_t srcLen, RegExpState* state,
+                            RegExpFindEntry* find, int32_t* findCount, int32_t replaceMode,
+                            int32_t fastPaths) {
+    return searchImpl(src, srcLen, state, find, findCount, replaceMode, fastPaths, nullptr);
+}
+
+zevStatus ownRegExpSearch(const uint8_t* src, int32_t srcLen, RegExpState* state, RegExpFindEntry* find,
+                          int32_t* findCount, int32_t replaceMode) {
+    return searchImpl(src, srcLen, state, find, findCount, replaceMode, 1, nullptr);
+}
+
+extern "C" zevStatus zevsRegExpFind_8u(const uint8_t* src, int32_t srcLen, RegExpState* state,
+                                       RegExpFindEntry* find, int32_t* findCount) {
+    return ownRegExpSearch(src, srcLen, state, find, findCount, 0);
+}
