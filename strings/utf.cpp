@@ -9,7 +9,8 @@
 // pair. A character is written whole or not at all, and on return srcLen and
 // dstLen hold what was consumed and what was produced.
 //
-// Runs of ASCII go 16 elements at a time (SSE2, or 8 with plain words).
+// Runs of ASCII go a block at a time (SSE2 where the compiler offers it),
+// and well-formed two- and three-byte characters take a short cut.
 #include <cstring>
 
 #include "core/core.h"
@@ -43,54 +44,75 @@ inline uint16_t swapIf(uint16_t u, bool swap) {
     return swap ? static_cast<uint16_t>((u << 8) | (u >> 8)) : u;
 }
 
-// Widens ASCII bytes while both sides have at least a block left; returns
-// how many bytes went (each made one unit).
+// Block size of the ASCII runs, in elements of the source.
+constexpr size_t AsciiBlock = 16;
+
+// Widens the ASCII run at the start of s, block by block while both sides
+// have a whole block left, and returns the bytes it took (each made one
+// unit): whole blocks, then the ASCII head of the first block that is not.
+// Nothing is written beyond the units produced.
 size_t widenAscii(const uint8_t* s, uint16_t* d, size_t n, bool swap) {
     size_t i = 0;
+    for (; n - i >= AsciiBlock; i += AsciiBlock) {
 #if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    for (; n - i >= 16; i += 16) {
         const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
-        if (_mm_movemask_epi8(v) != 0) break;
-        // A swapped unit carries the byte high: interleave with zero the other way round.
-        const __m128i lo = swap ? _mm_unpacklo_epi8(zero, v) : _mm_unpacklo_epi8(v, zero);
-        const __m128i hi = swap ? _mm_unpackhi_epi8(zero, v) : _mm_unpackhi_epi8(v, zero);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), lo);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i + 8), hi);
-    }
+        const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(v));
+        if (high == 0) {
+            // A swapped unit carries the byte high: interleave with zero the other way round.
+            const __m128i zero = _mm_setzero_si128();
+            const __m128i lo = swap ? _mm_unpacklo_epi8(zero, v) : _mm_unpacklo_epi8(v, zero);
+            const __m128i hi = swap ? _mm_unpackhi_epi8(zero, v) : _mm_unpackhi_epi8(v, zero);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), lo);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i + 8), hi);
+            continue;
+        }
+        const size_t head = static_cast<size_t>(__builtin_ctz(high));
 #else
-    for (; n - i >= 8; i += 8) {
-        uint64_t w;
-        std::memcpy(&w, s + i, 8);
-        if (w & 0x8080808080808080ull) break;
-        for (size_t k = 0; k < 8; ++k) d[i + k] = swapIf(s[i + k], swap);
-    }
+        uint64_t w[2];
+        std::memcpy(w, s + i, 16);
+        const uint64_t high0 = w[0] & 0x8080808080808080ull, high1 = w[1] & 0x8080808080808080ull;
+        if ((high0 | high1) == 0) {
+            for (size_t k = 0; k < AsciiBlock; ++k) d[i + k] = swapIf(s[i + k], swap);
+            continue;
+        }
+        size_t head = 0;
+        while (s[i + head] < 0x80) ++head;
 #endif
+        for (size_t k = 0; k < head; ++k) d[i + k] = swapIf(s[i + k], swap);
+        return i + head;
+    }
     return i;
 }
 
-// Narrows units below 0x80 while both sides have a block left; returns how
-// many units went (each made one byte).
+// Narrows the run of units below 0x80 at the start of s in the same way and
+// returns the units it took (each made one byte).
 size_t narrowAscii(const uint16_t* s, uint8_t* d, size_t n, bool swap) {
+    constexpr size_t block = 8;
     size_t i = 0;
+    for (; n - i >= block; i += block) {
 #if defined(__SSE2__)
-    for (; n - i >= 8; i += 8) {
         __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i));
         if (swap) v = _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
-        // Any unit with a bit at 0x80 or above ends the run.
-        if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(v, _mm_set1_epi16(static_cast<short>(0xFF80))),
-                                              _mm_setzero_si128())) != 0xFFFF)
-            break;
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(d + i), _mm_packus_epi16(v, v));
-    }
+        // Two mask bits per unit, set where the unit is below 0x80.
+        const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(v, _mm_set1_epi16(static_cast<short>(0xFF80))),
+                                              _mm_setzero_si128());
+        const unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(ascii));
+        if (mask == 0xFFFF) {
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(d + i), _mm_packus_epi16(v, v));
+            continue;
+        }
+        const size_t head = static_cast<size_t>(__builtin_ctz(~mask)) / 2;
 #else
-    for (; n - i >= 4; i += 4) {
-        uint16_t u[4];
-        for (size_t k = 0; k < 4; ++k) u[k] = swapIf(s[i + k], swap);
-        if ((u[0] | u[1] | u[2] | u[3]) >= 0x80) break;
-        for (size_t k = 0; k < 4; ++k) d[i + k] = static_cast<uint8_t>(u[k]);
-    }
+        size_t head = 0;
+        while (head < block && swapIf(s[i + head], swap) < 0x80) ++head;
+        if (head == block) {
+            for (size_t k = 0; k < block; ++k) d[i + k] = static_cast<uint8_t>(swapIf(s[i + k], swap));
+            continue;
+        }
 #endif
+        for (size_t k = 0; k < head; ++k) d[i + k] = static_cast<uint8_t>(swapIf(s[i + k], swap));
+        return i + head;
+    }
     return i;
 }
 
@@ -122,13 +144,54 @@ zevStatus utf8To16(const uint8_t* src, uint32_t* srcLen, uint16_t* dst, uint32_t
     const uint8_t* s = src;
     uint16_t* d = dst;
     while (left > 0 && room > 0) {
-        if (*s < 0x80) {
-            const size_t run = widenAscii(s, d, left < room ? left : room, swap);
+        const uint8_t b = *s;
+        if (b < 0x80) {
+            const size_t n = left < room ? left : room;
+            size_t run = 0;
+            if (n >= AsciiBlock) {
+                run = widenAscii(s, d, n, swap);
+            } else {
+                while (run < n && s[run] < 0x80) {
+                    d[run] = swapIf(s[run], swap);
+                    ++run;
+                }
+            }
             s += run, d += run, left -= run, room -= run;
-            if (run > 0) continue;
+            continue;
         }
-        uint32_t code;
-        const size_t used = decodeUtf8(s, left, &code);
+        // Well-formed two-, three- and four-byte forms, most of non-ASCII
+        // text, take a short cut chosen by the top bits of the first byte
+        // (one jump rather than a chain of tests); all else goes through
+        // the full decoder.
+        uint32_t code = 0;
+        size_t used = 0;
+        switch (b >> 4) {
+            case 0xC:
+            case 0xD:
+                if (b >= 0xC2 && left >= 2 && (s[1] & 0xC0) == 0x80) {
+                    code = static_cast<uint32_t>(b & 0x1F) << 6 | (s[1] & 0x3F);
+                    used = 2;
+                }
+                break;
+            case 0xE:
+                if (left >= 3 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 && (b != 0xE0 || s[1] >= 0xA0)) {
+                    code = static_cast<uint32_t>(b & 0x0F) << 12 | static_cast<uint32_t>(s[1] & 0x3F) << 6 |
+                           (s[2] & 0x3F);
+                    used = 3;
+                }
+                break;
+            case 0xF:
+                if (b < 0xF8 && left >= 4 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 &&
+                    (s[3] & 0xC0) == 0x80 && (b != 0xF0 || s[1] >= 0x90)) {
+                    code = static_cast<uint32_t>(b & 0x07) << 18 | static_cast<uint32_t>(s[1] & 0x3F) << 12 |
+                           static_cast<uint32_t>(s[2] & 0x3F) << 6 | (s[3] & 0x3F);
+                    used = 4;
+                }
+                break;
+            default:
+                break;
+        }
+        if (used == 0) used = decodeUtf8(s, left, &code);
         if (code <= 0xFFFF) {
             *d++ = swapIf(static_cast<uint16_t>(code), swap);
             room -= 1;
@@ -157,30 +220,52 @@ zevStatus utf16To8(const uint16_t* src, uint32_t* srcLen, uint8_t* dst, uint32_t
     while (left > 0 && room > 0) {
         const uint16_t u = swapIf(s[0], swap);
         if (u < 0x80) {
-            const size_t run = narrowAscii(s, d, left < room ? left : room, swap);
+            const size_t n = left < room ? left : room;
+            size_t run = 0;
+            if (n >= 8) {
+                run = narrowAscii(s, d, n, swap);
+            } else {
+                for (uint16_t v; run < n && (v = swapIf(s[run], swap)) < 0x80; ++run) d[run] = static_cast<uint8_t>(v);
+            }
             s += run, d += run, left -= run, room -= run;
-            if (run > 0) continue;
+            continue;
         }
+        // Two- and three-byte characters outside the surrogates, written directly.
+        if (u < 0x800) {
+            if (room < 2) break;
+            d[0] = static_cast<uint8_t>(0xC0 | u >> 6);
+            d[1] = static_cast<uint8_t>(0x80 | (u & 0x3F));
+            d += 2, room -= 2, s += 1, left -= 1;
+            continue;
+        }
+        if (u < 0xD800 || u > 0xDFFF) {
+            if (room < 3) break;
+            d[0] = static_cast<uint8_t>(0xE0 | u >> 12);
+            d[1] = static_cast<uint8_t>(0x80 | (u >> 6 & 0x3F));
+            d[2] = static_cast<uint8_t>(0x80 | (u & 0x3F));
+            d += 3, room -= 3, s += 1, left -= 1;
+            continue;
+        }
+        // A surrogate: with a low one behind a high one, a four-byte
+        // character; alone, the three-byte form of its own value.
         uint32_t code = u;
         size_t used = 1;
-        if (u >= 0xD800 && u <= 0xDBFF && left > 1) {
+        if (u <= 0xDBFF && left > 1) {
             const uint16_t next = swapIf(s[1], swap);
             if (next >= 0xDC00 && next <= 0xDFFF) {
                 code = ((static_cast<uint32_t>(u & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
                 used = 2;
             }
         }
-        const int k = classOf(code);
-        if (static_cast<size_t>(k) + 1 > room) break;  // only whole characters are written
-        uint8_t seq[6];
-        for (int i = k; i > 0; --i) {
-            seq[i] = static_cast<uint8_t>(0x80 | (code & 0x3F));
+        const size_t k = used == 2 ? 3 : 2;  // continuation bytes
+        if (k + 1 > room) break;  // only whole characters are written
+        for (size_t i = k; i > 0; --i) {
+            d[i] = static_cast<uint8_t>(0x80 | (code & 0x3F));
             code >>= 6;
         }
-        seq[0] = static_cast<uint8_t>(code | UtfClasses[k].mark);
-        std::memcpy(d, seq, static_cast<size_t>(k) + 1);
+        d[0] = static_cast<uint8_t>(code | UtfClasses[k].mark);
         d += k + 1;
-        room -= static_cast<size_t>(k) + 1;
+        room -= k + 1;
         s += used;
         left -= used;
     }
