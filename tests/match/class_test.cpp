@@ -1,0 +1,128 @@
+// Character classes: the item forms (bytes against codes, the two forms of a
+// range, case folding, invert marks), the greedy and lazy repeats, and a run
+// over a long subject on a small stack (the greedy repeat must not recurse
+// per character).
+
+#include <gtest/gtest.h>
+
+#include <pthread.h>
+
+#include "repeat_machine.h"
+
+using namespace repeat_test;
+
+namespace {
+
+Outcome run(Machine& m, const std::string& subject, uint32_t flags = 0, int32_t areaEnd = -1) {
+    bool agree = false;
+    Outcome o = m.both(subject, 1000, 0, areaEnd, [&](MatchContext& c) { c.flags = flags; }, &agree);
+    EXPECT_TRUE(agree) << subject;
+    return o;
+}
+
+// Whole-match length of `items` as a class at the start of `subject`, or -1.
+int32_t take(std::vector<RegExpNode> classNodes, const std::string& subject, uint32_t flags = 0) {
+    Machine m(std::move(classNodes));
+    Outcome o = run(m, subject, flags);
+    return o.result == 0 ? o.length : -1;
+}
+
+const std::string EAcute = "\xC3\xA9";
+
+TEST(Class, OneCharacterWhateverItsSize) {
+    EXPECT_EQ(take({cls(1, -1), chr('a')}, EAcute), 2);
+    EXPECT_EQ(take({cls(1, -1), chr('a')}, "\x80"), 1);
+    EXPECT_EQ(take({cls(1, -1), chr('a')}, ""), -1);
+    EXPECT_EQ(take({cls(0, -1)}, "z"), 1);          // a negated class of nothing
+    EXPECT_EQ(take({cls(0)}, "z"), -1);
+    Machine star({cls(1, -1), chr('a'), greedy(0, Many), chr('x')});
+    EXPECT_EQ(spent(run(star, ""), 1000), 2);       // the continuation runs once
+}
+
+TEST(Class, BytesAndCodes) {
+    EXPECT_EQ(take({cls(1), chr(0xE9)}, EAcute), -1);       // a literal meets the first byte
+    EXPECT_EQ(take({cls(1), chr(0xE9)}, "\xE9"), 1);
+    EXPECT_EQ(take({cls(1), range(0xE0, 0xFF)}, EAcute), 2);   // code form
+    EXPECT_EQ(take({cls(1), range(0xE0, 0xFF)}, "\xE9"), 1);   // byte form
+    EXPECT_EQ(take({cls(1), range(0x100, 0x200)}, "\x80"), -1);
+    EXPECT_EQ(take({cls(1), range(0, 0x200)}, "\x80"), 1);     // a malformed byte has code 0
+    EXPECT_EQ(take({cls(1), wide(0xE9)}, EAcute), 2);
+    EXPECT_EQ(take({cls(1), wide(0)}, "\xC3"), 1);
+}
+
+TEST(Class, IgnoreCase) {
+    EXPECT_EQ(take({cls(1), range('a', 'z')}, "Q", OptionIgnoreCase), 1);
+    EXPECT_EQ(take({cls(1), range('a', 'z')}, "Q"), -1);
+    EXPECT_EQ(take({cls(1), chr('q')}, "Q", OptionIgnoreCase), 1);
+    const std::string capitalA = "\xD0\x90", smallA = "\xD0\xB0";   // U+0410, U+0430
+    for (RegExpNode repeat : {greedy(1, Many), lazy(1, Many)}) {
+        Machine cyrillic({cls(1), range(0x410, 0x42F), repeat});
+        EXPECT_EQ(run(cyrillic, capitalA + smallA, OptionIgnoreCase).length, repeat.kind == NodeRepeat ? 4 : 2);
+        EXPECT_EQ(run(cyrillic, smallA, OptionIgnoreCase).length, 2);
+        EXPECT_EQ(run(cyrillic, smallA).result, 1);
+    }
+    // Folded ends 0x450 and 0x44F: low above high, nothing is inside.
+    EXPECT_EQ(take({cls(1), range(0x400, 0x42F)}, capitalA, OptionIgnoreCase), -1);
+    EXPECT_EQ(take({cls(1), wide(0xE9)}, "\xC3\x89", OptionIgnoreCase), 2);
+}
+
+TEST(Class, InvertMarksAndTypes) {
+    EXPECT_EQ(take({cls(1), chr('a', -1)}, "b"), 1);          // the item alone is inverted
+    EXPECT_EQ(take({cls(1), chr('a', -1)}, "a"), -1);
+    EXPECT_EQ(take({cls(1, -1), chr('a', -1)}, "a"), 1);      // and the head inverts the whole
+    EXPECT_EQ(take({cls(2), chr('x'), range('0', '9', -1)}, "5"), -1);
+    Machine notDigit({cls(1, -1), type('d'), greedy(1, Many)});
+    EXPECT_EQ(run(notDigit, "ab1").length, 2);
+    EXPECT_EQ(take({cls(1), type('.')}, "\n"), -1);
+    EXPECT_EQ(take({cls(1), type('.')}, "\n", OptionDotAll), 1);
+}
+
+TEST(Class, GreedyAndLazyOrder) {
+    Machine greedyB({cls(2), chr('a'), chr('b'), greedy(0, Many), chr('b')});
+    Outcome g = run(greedyB, "abab");
+    EXPECT_EQ(g.length, 4);
+    EXPECT_EQ(spent(g, 1000), 3);   // runs at 4 and 3
+    Machine lazyC({cls(2), chr('a'), chr('b'), lazy(2, 3), chr('c')});
+    Outcome l = run(lazyC, "abac");
+    EXPECT_EQ(l.length, 4);
+    EXPECT_EQ(spent(l, 1000), 3);   // runs at 2 and 3: two characters before the first
+    Machine failing({cls(1), range('a', 'z'), greedy(1, 3), chr('x')});
+    Outcome f = run(failing, "abcd");
+    EXPECT_EQ(f.result, 1);
+    EXPECT_EQ(spent(f, 1000), 4);   // runs at 3, 2, 1
+    // A character that starts inside the search area is read whole, and the
+    // class goes on past the area's end while bytes are left.
+    Machine all({cls(1, -1), chr('a'), greedy(0, Many)});
+    EXPECT_EQ(run(all, EAcute + "bc", 0, 1).length, 4);
+    EXPECT_EQ(run(all, EAcute, 0, 1).length, 2);
+}
+
+TEST(Class, CheckAtTheSubjectsEnd) {
+    Machine m({cls(1, -1)});
+    m.run("");
+    EXPECT_LT(ownCheckClass(reinterpret_cast<const uint8_t*>(""), 0, &m.context(), 0), 0);
+}
+
+void* longRun(void* arg) {
+    auto* out = static_cast<Outcome*>(arg);
+    std::string text(1 << 20, 'a');
+    Machine m({cls(1), range('a', 'z'), greedy(0, Many), chr('x')});
+    *out = m.run(text, 10, 0);
+    return nullptr;
+}
+
+TEST(Class, LongRunOnASmallStack) {
+    pthread_attr_t attr;
+    pthread_attr_init(&attr);
+    pthread_attr_setstacksize(&attr, 256 * 1024);
+    pthread_t thread;
+    Outcome o{-1, 0, 0};
+    ASSERT_EQ(pthread_create(&thread, &attr, longRun, &o), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attr);
+    EXPECT_EQ(o.result, 1);
+    EXPECT_LT(o.budgetLeft, 0);
+    EXPECT_EQ(o.length, 0);
+}
+
+}  // namespace
