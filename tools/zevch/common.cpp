@@ -260,7 +260,7 @@ bool listed(const std::vector<std::string>& names, const std::string& name) {
 }
 }  // namespace
 
-Arguments parseArguments(int argc, char** argv, const OptionSpec& spec, const char* command) {
+Arguments parseArguments(int argc, char** argv, const OptionTable& accepted, const char* command) {
     Arguments a;
     bool options = true;
     for (int i = 0; i < argc; ++i) {
@@ -284,9 +284,9 @@ Arguments parseArguments(int argc, char** argv, const OptionSpec& spec, const ch
             }
             if (name == "help") {
                 a.help = true;
-            } else if (listed(spec.longFlags, name) && !inlineValue) {
+            } else if (listed(accepted.longFlags, name) && !inlineValue) {
                 a.longFlags.push_back(name);
-            } else if (listed(spec.longValued, name)) {
+            } else if (listed(accepted.longValued, name)) {
                 if (!inlineValue) {
                     if (i + 1 >= argc) {
                         toolError("%s: --%s needs a value", command, name.c_str());
@@ -307,11 +307,11 @@ Arguments parseArguments(int argc, char** argv, const OptionSpec& spec, const ch
             const char c = arg[k];
             if (c == 'h') {
                 a.help = true;
-            } else if (spec.patternLetters && (c == 'i' || c == 'm' || c == 's' || c == 'x')) {
+            } else if (accepted.patternLetters && (c == 'i' || c == 'm' || c == 's' || c == 'x')) {
                 a.patternOptions += c;
-            } else if (spec.flags.find(c) != std::string::npos) {
+            } else if (accepted.flags.find(c) != std::string::npos) {
                 a.flags += c;
-            } else if (spec.valued.find(c) != std::string::npos) {
+            } else if (accepted.valued.find(c) != std::string::npos) {
                 std::string value;
                 if (k + 1 < arg.size()) {
                     value = arg.substr(k + 1);

@@ -29,9 +29,9 @@ void heading(const std::string& command) {
 }  // namespace
 
 int commandDemo(int argc, char** argv) {
-    OptionSpec spec;
-    spec.patternLetters = false;
-    Arguments a = parseArguments(argc, argv, spec, "demo");
+    OptionTable accepted;
+    accepted.patternLetters = false;
+    Arguments a = parseArguments(argc, argv, accepted, "demo");
     if (a.help) {
         out(DemoHelp);
         outFlush();

@@ -22,9 +22,9 @@ const char* const ExplainHelp =
 }  // namespace
 
 int commandExplain(int argc, char** argv) {
-    OptionSpec spec;
-    spec.patternLetters = false;
-    Arguments a = parseArguments(argc, argv, spec, "explain");
+    OptionTable accepted;
+    accepted.patternLetters = false;
+    Arguments a = parseArguments(argc, argv, accepted, "explain");
     if (a.help) {
         out(ExplainHelp);
         outFlush();

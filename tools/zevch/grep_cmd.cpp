@@ -255,12 +255,12 @@ bool grepInput(Pattern& p, const GrepSettings& s, const Input& in, int64_t& sele
 }
 
 int commandGrep(int argc, char** argv) {
-    OptionSpec spec;
-    spec.flags = "conl";
-    spec.valued = "e";
-    spec.longFlags = {"whole"};
-    spec.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, spec, "grep");
+    OptionTable accepted;
+    accepted.flags = "conl";
+    accepted.valued = "e";
+    accepted.longFlags = {"whole"};
+    accepted.longValued = {"limit"};
+    Arguments a = parseArguments(argc, argv, accepted, "grep");
     if (a.help) {
         out(GrepHelp);
         return ExitSelected;

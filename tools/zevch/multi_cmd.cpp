@@ -167,11 +167,11 @@ int64_t multiInput(MultiJob& job, const Input& in) {
 }
 
 int commandMulti(int argc, char** argv) {
-    OptionSpec spec;
-    spec.flags = "o";
-    spec.valued = "f";
-    spec.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, spec, "multi");
+    OptionTable accepted;
+    accepted.flags = "o";
+    accepted.valued = "f";
+    accepted.longValued = {"limit"};
+    Arguments a = parseArguments(argc, argv, accepted, "multi");
     if (a.help) {
         out(MultiHelp);
         outFlush();

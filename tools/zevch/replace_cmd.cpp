@@ -159,11 +159,11 @@ bool replaceInput(ReplaceJob& job, const Input& in) {
 }
 
 int commandReplace(int argc, char** argv) {
-    OptionSpec spec;
-    spec.flags = "g";
-    spec.longFlags = {"whole"};
-    spec.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, spec, "replace");
+    OptionTable accepted;
+    accepted.flags = "g";
+    accepted.longFlags = {"whole"};
+    accepted.longValued = {"limit"};
+    Arguments a = parseArguments(argc, argv, accepted, "replace");
     if (a.help) {
         out(ReplaceHelp);
         outFlush();

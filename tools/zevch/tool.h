@@ -110,7 +110,7 @@ int32_t findFirst(Pattern& p, const uint8_t* src, int32_t length, RegExpFindEntr
 // argument or, for a long one, "--name=value". The pattern letters i, m, s
 // and x are accepted by every command that compiles patterns and collected in
 // `patternOptions`.
-struct OptionSpec {
+struct OptionTable {
     std::string flags;                    // letters without a value
     std::string valued;                   // letters that take a value
     std::vector<std::string> longFlags;   // e.g. "whole"
@@ -132,7 +132,7 @@ struct Arguments {
     const std::string* value(const std::string& name) const;   // last one given
 };
 
-Arguments parseArguments(int argc, char** argv, const OptionSpec& spec, const char* command);
+Arguments parseArguments(int argc, char** argv, const OptionTable& accepted, const char* command);
 
 // Parses a non-negative decimal number that fits int32.
 bool parseLimit(const std::string& text, int64_t& limit);
