@@ -3,10 +3,16 @@
 //
 // Results are those of the plain candidate-by-candidate walk (first or last
 // occurrence, overlapping occurrences all seen, an empty needle or set found
-// nowhere). The 8-bit members reach them through the C library's memchr,
-// memrchr and memmem, since the backward searches are also the literal
-// prefilter of the regular-expression search and must keep up with memchr.
+// nowhere). The 8-bit members reach them through the C library's memchr and
+// memrchr, and the 8-bit needle searches test sixteen candidates at a time
+// by the needle's first and last byte before comparing the whole needle:
+// the backward searches are also the literal prefilter of the
+// regular-expression search and must keep up with memchr.
 #include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "core/core.h"
 #include "strings/strings_internal.h"
@@ -37,31 +43,71 @@ int32_t scanRevC(const T* src, int32_t len, T c) {
     }
 }
 
+#if defined(__SSE2__)
+// Bit i set where block[i] holds the needle's first byte and
+// block[i + needleLen - 1] its last: the candidates worth a full compare.
+inline unsigned candidates16(const uint8_t* block, int32_t needleLen, __m128i first, __m128i last) {
+    const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block + needleLen - 1));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, last))));
+}
+#endif
+
 // Needle of at least one element, not longer than the source.
 template <typename T>
 int32_t scanNeedle(const T* src, int32_t srcLen, const T* needle, int32_t needleLen) {
+    const size_t tailBytes = static_cast<size_t>(needleLen - 1) * sizeof(T);
+    const int32_t last = srcLen - needleLen;  // greatest candidate
+    int32_t from = 0;
+#if defined(__SSE2__)
     if constexpr (sizeof(T) == 1) {
-        const void* p = memmem(src, static_cast<size_t>(srcLen), needle, static_cast<size_t>(needleLen));
-        return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
-    } else {
-        const size_t tailBytes = static_cast<size_t>(needleLen - 1) * sizeof(T);
-        const int32_t last = srcLen - needleLen;  // greatest candidate
-        int32_t from = 0;
-        while (from <= last) {
-            const int32_t at = scanC(src + from, last - from + 1, needle[0]);
-            if (at < 0) return -1;
-            const int32_t pos = from + at;
-            if (std::memcmp(src + pos + 1, needle + 1, tailBytes) == 0) return pos;
-            from = pos + 1;
+        if (needleLen == 1) return scanC(src, srcLen, needle[0]);
+        // Sixteen candidates at a time, lowest first.
+        const __m128i firstByte = _mm_set1_epi8(static_cast<char>(needle[0]));
+        const __m128i lastByte = _mm_set1_epi8(static_cast<char>(needle[needleLen - 1]));
+        for (; last - from >= 15; from += 16) {
+            for (unsigned mask = candidates16(src + from, needleLen, firstByte, lastByte); mask != 0; mask &= mask - 1) {
+                const int32_t pos = from + __builtin_ctz(mask);
+                if (std::memcmp(src + pos + 1, needle + 1, tailBytes) == 0) return pos;
+            }
         }
-        return -1;
     }
+#endif
+    while (from <= last) {
+        const int32_t at = scanC(src + from, last - from + 1, needle[0]);
+        if (at < 0) return -1;
+        const int32_t pos = from + at;
+        if (std::memcmp(src + pos + 1, needle + 1, tailBytes) == 0) return pos;
+        from = pos + 1;
+    }
+    return -1;
 }
 
 template <typename T>
 int32_t scanRevNeedle(const T* src, int32_t srcLen, const T* needle, int32_t needleLen) {
     const size_t tailBytes = static_cast<size_t>(needleLen - 1) * sizeof(T);
     int32_t limit = srcLen - needleLen;  // candidates 0..limit
+#if defined(__SSE2__)
+    if constexpr (sizeof(T) == 1) {
+        if (needleLen >= 2) {
+            // Sixteen candidates at a time, highest first: a candidate needs
+            // both the needle's first and last byte in place before the
+            // whole needle is compared.
+            const __m128i first = _mm_set1_epi8(static_cast<char>(needle[0]));
+            const __m128i last = _mm_set1_epi8(static_cast<char>(needle[needleLen - 1]));
+            for (; limit >= 15; limit -= 16) {
+                const T* block = src + limit - 15;
+                unsigned mask = candidates16(block, needleLen, first, last);
+                while (mask != 0) {
+                    const int bit = 31 - __builtin_clz(mask);
+                    if (std::memcmp(block + bit + 1, needle + 1, tailBytes) == 0)
+                        return static_cast<int32_t>(block + bit - src);
+                    mask &= ~(1u << bit);
+                }
+            }
+        }
+    }
+#endif
     while (limit >= 0) {
         const int32_t pos = scanRevC(src, limit + 1, needle[0]);
         if (pos < 0) return -1;

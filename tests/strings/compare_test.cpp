@@ -33,7 +33,7 @@ TYPED_TEST(CompareTyped, FirstDifferenceAtEveryPositionAndAlignment) {
     for (int32_t len : {1, 3, 4, 7, 8, 9, 15, 16, 17, 31, 33, 64, 100, 1030, 2100}) {
         for (int32_t offA = 0; offA < 4; ++offA) {
             for (int32_t offB = 0; offB < 4; ++offB) {
-                std::vector<T> a(len + 4), b(len + 4);
+                std::vector<T> a(offA + len), b(offB + len);  // both strings end where their buffers end
                 for (int32_t i = 0; i < len; ++i) a[offA + i] = b[offB + i] = static_cast<T>(rng());
                 const T* pa = a.data() + offA;
                 T* pb = b.data() + offB;

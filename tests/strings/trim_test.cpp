@@ -63,7 +63,7 @@ TYPED_TEST(TrimTyped, SingleCharacterAgainstPlainScan) {
             // All c, then one other element at each position, then two.
             for (int32_t p = -1; p < len; ++p) {
                 for (int32_t q : {-1, len - 1 - (p < 0 ? 0 : p) / 2}) {
-                    std::vector<T> buf(len + 8, T(0x55));
+                    std::vector<T> buf(off + (len > 0 ? len : 1), T(0x55));  // the string ends where the buffer ends
                     T* s = buf.data() + off;
                     for (int32_t i = 0; i < len; ++i) s[i] = c;
                     if (p >= 0) s[p] = other;
