@@ -146,11 +146,9 @@ zevStatus classEscape(CompileState* cs) {
         // A lone backslash at the end of the pattern.
         return ownFail(cs, zevStatusRegExpBadSyntax, e);
     case '0': case '1': case '2': case '3': case '4': case '5': case '6': case '7': {
-        const char* q = e;
-        int32_t value = 0;
-        for (int32_t i = 0; i < 3 && ownIsOctalDigit(ownByte(q)); ++i, ++q) value = value * 8 + (*q - '0');
-        cs->cursor = q;
-        return addCode(cs, value, NodeChar, q - 1);
+        int32_t value;
+        cs->cursor = ownReadOctal(e, 3, &value);
+        return addCode(cs, value, NodeChar, cs->cursor - 1);
     }
     case '8': case '9':
         // Code 0; the digit is read again as the next item.
@@ -165,11 +163,7 @@ zevStatus classEscape(CompileState* cs) {
         cs->cursor = e + 1;  // an open range stays open
         return zevStatusOk;
     case 'P': case 'p':
-        if (cs->nodeCount >= cs->capacity) return ownFail(cs, zevStatusRegExpBadSyntax, e);
-        cs->cursor = e;
-        if (ownRegExpParseProperty(&cs->cursor, cs->nodes, &cs->nodeCount, letter == 'P' ? -1 : 0) < 0)
-            return ownFail(cs, zevStatusRegExpBadProperty, cs->cursor);
-        return zevStatusOk;
+        return ownPropertyEscape(cs, e);  // an open range in front stays open
     case 'Q':
         return classQuote(cs);
     case ']':
@@ -188,18 +182,12 @@ zevStatus classEscape(CompileState* cs) {
         cs->cursor = e + 2;
         return addCode(cs, ownControlValue(ownByte(e + 1)), NodeChar, e);
     case 'x': {
-        const char* q = e + 1;
-        if (*q != '{') {
-            int32_t value = 0;
-            for (int32_t i = 0; i < 2 && ownHexValue(ownByte(q)) >= 0; ++i, ++q)
-                value = value * 16 + ownHexValue(ownByte(q));
-            cs->cursor = q;
-            return addCode(cs, value, NodeChar, q - 1);
+        uint32_t value;
+        if (e[1] != '{') {
+            cs->cursor = ownReadHex(e + 1, 2, &value);
+            return addCode(cs, static_cast<int32_t>(value), NodeChar, cs->cursor - 1);
         }
-        ++q;
-        uint32_t value = 0;
-        for (int32_t i = 0; i < 8 && ownHexValue(ownByte(q)) >= 0; ++i, ++q)
-            value = value * 16 + static_cast<uint32_t>(ownHexValue(ownByte(q)));
+        const char* q = ownReadHex(e + 2, 8, &value);
         if (*q != '}') return ownFail(cs, zevStatusRegExpBadProperty, q);
         cs->cursor = q + 1;
         return addCode(cs, static_cast<int32_t>(value), NodeWideChar, q);

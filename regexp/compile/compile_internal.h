@@ -96,6 +96,14 @@ bool ownQuantifierFollows(const char* place);
 bool ownIsBraceQuantifier(const char* place);
 // Decodes \cX: the control value for the byte k behind the c.
 int32_t ownControlValue(uint8_t k);
+// Reads up to maxDigits octal or hexadecimal digits from `place` into
+// *value (0 for none) and returns the place behind them.
+const char* ownReadOctal(const char* place, int32_t maxDigits, int32_t* value);
+const char* ownReadHex(const char* place, int32_t maxDigits, uint32_t* value);
+// \p or \P, in a class or outside one; `letter` is on the p or P. Appends
+// one node through the property parser or fails with BadProperty where the
+// parser stopped.
+zevStatus ownPropertyEscape(CompileState* cs, const char* letter);
 zevStatus ownRegExpTranslate(CompileState* cs);
 
 // validate.cpp: the first pass. Gives the number of capturing groups plus

@@ -66,6 +66,29 @@ bool ownQuantifierFollows(const char* place) {
     return c == '*' || c == '+' || c == '?' || (c == '{' && ownIsBraceQuantifier(place));
 }
 
+const char* ownReadOctal(const char* place, int32_t maxDigits, int32_t* value) {
+    int32_t v = 0;
+    for (int32_t i = 0; i < maxDigits && ownIsOctalDigit(ownByte(place)); ++i, ++place) v = v * 8 + (*place - '0');
+    *value = v;
+    return place;
+}
+
+const char* ownReadHex(const char* place, int32_t maxDigits, uint32_t* value) {
+    uint32_t v = 0;
+    for (int32_t i = 0; i < maxDigits && ownHexValue(ownByte(place)) >= 0; ++i, ++place)
+        v = v * 16 + static_cast<uint32_t>(ownHexValue(ownByte(place)));
+    *value = v;
+    return place;
+}
+
+zevStatus ownPropertyEscape(CompileState* cs, const char* letter) {
+    if (cs->nodeCount >= cs->capacity) return ownFail(cs, zevStatusRegExpBadSyntax, letter);
+    cs->cursor = letter;
+    if (ownRegExpParseProperty(&cs->cursor, cs->nodes, &cs->nodeCount, *letter == 'P' ? -1 : 0) < 0)
+        return ownFail(cs, zevStatusRegExpBadProperty, cs->cursor);
+    return zevStatusOk;
+}
+
 int32_t ownControlValue(uint8_t k) {
     if (k >= 32 && k <= 63) return k + 64;
     int32_t value = k - 64;
@@ -140,18 +163,14 @@ zevStatus escapeNumber(CompileState* cs) {
 // Cursor on the `x`.
 zevStatus escapeHex(CompileState* cs) {
     const char* q = cs->cursor + 1;
+    uint32_t value;
     if (*q != '{') {
-        int32_t value = 0;
-        for (int32_t i = 0; i < 2 && ownHexValue(ownByte(q)) >= 0; ++i, ++q)
-            value = value * 16 + ownHexValue(ownByte(q));
-        appendLiteralChar(cs, value);
-        cs->cursor = q;
+        cs->cursor = ownReadHex(q, 2, &value);
+        appendLiteralChar(cs, static_cast<int32_t>(value));
         return zevStatusOk;
     }
-    const char* first = ++q;
-    uint32_t value = 0;
-    for (int32_t i = 0; i < 8 && ownHexValue(ownByte(q)) >= 0; ++i, ++q)
-        value = value * 16 + static_cast<uint32_t>(ownHexValue(ownByte(q)));
+    const char* first = q + 1;
+    q = ownReadHex(first, 8, &value);
     if (*q != '}') return ownFail(cs, zevStatusRegExpBadProperty, first);
     // Compared by code point; never a trailing-literal candidate.
     ownNewNode(cs, NodeWideChar, static_cast<int32_t>(value), 0, 0);
@@ -186,11 +205,9 @@ zevStatus escape(CompileState* cs) {
         // A lone backslash at the end of the pattern.
         return ownFail(cs, zevStatusRegExpBadSyntax, e);
     case '0': {
-        const char* q = e + 1;
-        int32_t value = 0;
-        for (int32_t i = 0; i < 2 && ownIsOctalDigit(ownByte(q)); ++i, ++q) value = value * 8 + (*q - '0');
+        int32_t value;
+        cs->cursor = ownReadOctal(e + 1, 2, &value);
         appendLiteralChar(cs, value);
-        cs->cursor = q;
         return zevStatusOk;
     }
     case '1': case '2': case '3': case '4': case '5': case '6': case '7': case '8': case '9':
@@ -215,13 +232,8 @@ zevStatus escape(CompileState* cs) {
     case 'E':
         cs->cursor = e + 1;
         return zevStatusOk;
-    case 'P': case 'p': {
-        if (cs->nodeCount >= cs->capacity) return ownFail(cs, zevStatusRegExpBadSyntax, e);
-        cs->cursor = e;
-        if (ownRegExpParseProperty(&cs->cursor, cs->nodes, &cs->nodeCount, letter == 'P' ? -1 : 0) < 0)
-            return ownFail(cs, zevStatusRegExpBadProperty, cs->cursor);
-        return zevStatusOk;
-    }
+    case 'P': case 'p':
+        return ownPropertyEscape(cs, e);
     case 'Q':
         cs->cursor = e;
         escapeQuote(cs);
@@ -252,6 +264,11 @@ zevStatus escape(CompileState* cs) {
     }
 }
 
+void literalByte(CompileState* cs) {
+    ++cs->runLength;
+    ++cs->cursor;
+}
+
 bool isExtendedBlank(uint8_t c) { return c == 9 || c == 12 || c == 13 || c == 32; }
 
 }  // namespace
@@ -267,8 +284,7 @@ zevStatus ownRegExpTranslate(CompileState* cs) {
                 ownFlushRun(cs);
                 ++cs->cursor;
             } else {
-                ++cs->runLength;
-                ++cs->cursor;
+                literalByte(cs);
             }
             break;
         case '#':
@@ -277,8 +293,7 @@ zevStatus ownRegExpTranslate(CompileState* cs) {
                 while (*cs->cursor != 0 && *cs->cursor != '\n') ++cs->cursor;
                 if (*cs->cursor != 0) ++cs->cursor;
             } else {
-                ++cs->runLength;
-                ++cs->cursor;
+                literalByte(cs);
             }
             break;
         case '$':
@@ -305,8 +320,7 @@ zevStatus ownRegExpTranslate(CompileState* cs) {
             if (ownIsBraceQuantifier(cs->cursor)) {
                 st = ownRegExpQuantifier(cs);
             } else {
-                ++cs->runLength;
-                ++cs->cursor;
+                literalByte(cs);
             }
             break;
         case '.':
@@ -324,8 +338,7 @@ zevStatus ownRegExpTranslate(CompileState* cs) {
                 ownFlushRun(cs);
                 while (isExtendedBlank(ownByte(cs->cursor)) || *cs->cursor == '\n') ++cs->cursor;
             } else {
-                ++cs->runLength;
-                ++cs->cursor;
+                literalByte(cs);
             }
             break;
         }
