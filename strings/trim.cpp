@@ -110,16 +110,21 @@ void moveDown(const T* src, T* dst, int32_t count) {
     for (int32_t i = 0; i < count; ++i) dst[i] = src[i];
 }
 
+// The stretch left when c is trimmed at both ends: its start in *first and
+// its length as the result (0 when every element is c).
+template <typename T>
+int32_t trimmedStretch(const T* s, int32_t len, T c, int32_t* first) {
+    *first = firstNot(s, len, c);
+    if (*first == len) return 0;
+    return lastNot(s, *first, len, c) - *first + 1;
+}
+
 template <typename T>
 zevStatus trimC(const T* src, int32_t srcLen, T c, T* dst, int32_t* dstLen) {
     if (ownAnyNull(src, dst, dstLen)) return zevStatusNullPointer;
     if (srcLen < 0) return zevStatusBadLength;
-    const int32_t first = firstNot(src, srcLen, c);
-    if (first == srcLen) {
-        *dstLen = 0;
-        return zevStatusOk;
-    }
-    const int32_t n = lastNot(src, first, srcLen, c) - first + 1;
+    int32_t first;
+    const int32_t n = trimmedStretch(src, srcLen, c, &first);
     *dstLen = n;
     ownCopy(src + first, dst, n);
     return zevStatusOk;
@@ -130,12 +135,8 @@ zevStatus trimCInPlace(T* srcDst, int32_t* srcDstLen, T c) {
     if (ownAnyNull(srcDst, srcDstLen)) return zevStatusNullPointer;
     const int32_t len = *srcDstLen;
     if (len < 0) return zevStatusBadLength;
-    const int32_t first = firstNot(srcDst, len, c);
-    if (first == len) {
-        *srcDstLen = 0;
-        return zevStatusOk;
-    }
-    const int32_t n = lastNot(srcDst, first, len, c) - first + 1;
+    int32_t first;
+    const int32_t n = trimmedStretch(srcDst, len, c, &first);
     *srcDstLen = n;
     moveDown(srcDst + first, srcDst, n);
     return zevStatusOk;

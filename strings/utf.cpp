@@ -137,141 +137,136 @@ inline size_t decodeUtf8(const uint8_t* s, size_t left, uint32_t* code) {
     return static_cast<size_t>(n) + 1;
 }
 
-zevStatus utf8To16(const uint8_t* src, uint32_t* srcLen, uint16_t* dst, uint32_t* dstLen, int32_t bigEndian) {
-    if (ownAnyNull(src, srcLen, dst, dstLen)) return zevStatusNullPointer;
-    const bool swap = bigEndian != 0;
-    size_t left = *srcLen, room = *dstLen;
-    const uint8_t* s = src;
-    uint16_t* d = dst;
-    while (left > 0 && room > 0) {
-        const uint8_t b = *s;
-        if (b < 0x80) {
-            const size_t n = left < room ? left : room;
-            size_t run = 0;
-            if (n >= AsciiBlock) {
-                run = widenAscii(s, d, n, swap);
-            } else {
-                while (run < n && s[run] < 0x80) {
-                    d[run] = swapIf(s[run], swap);
-                    ++run;
-                }
-            }
-            s += run, d += run, left -= run, room -= run;
-            continue;
-        }
-        // Well-formed two-, three- and four-byte forms, most of non-ASCII
-        // text, take a short cut chosen by the top bits of the first byte
-        // (one jump rather than a chain of tests); all else goes through
-        // the full decoder.
-        uint32_t code = 0;
-        size_t used = 0;
-        switch (b >> 4) {
-            case 0xC:
-            case 0xD:
-                if (b >= 0xC2 && left >= 2 && (s[1] & 0xC0) == 0x80) {
-                    code = static_cast<uint32_t>(b & 0x1F) << 6 | (s[1] & 0x3F);
-                    used = 2;
-                }
-                break;
-            case 0xE:
-                if (left >= 3 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 && (b != 0xE0 || s[1] >= 0xA0)) {
-                    code = static_cast<uint32_t>(b & 0x0F) << 12 | static_cast<uint32_t>(s[1] & 0x3F) << 6 |
-                           (s[2] & 0x3F);
-                    used = 3;
-                }
-                break;
-            case 0xF:
-                if (b < 0xF8 && left >= 4 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 &&
-                    (s[3] & 0xC0) == 0x80 && (b != 0xF0 || s[1] >= 0x90)) {
-                    code = static_cast<uint32_t>(b & 0x07) << 18 | static_cast<uint32_t>(s[1] & 0x3F) << 12 |
-                           static_cast<uint32_t>(s[2] & 0x3F) << 6 | (s[3] & 0x3F);
-                    used = 4;
-                }
-                break;
-            default:
-                break;
-        }
-        if (used == 0) used = decodeUtf8(s, left, &code);
-        if (code <= 0xFFFF) {
-            *d++ = swapIf(static_cast<uint16_t>(code), swap);
-            room -= 1;
-        } else {
-            if (room < 2) break;  // the pair does not fit; the sequence stays unread
-            const uint32_t v = code - 0x10000;
-            d[0] = swapIf(static_cast<uint16_t>(0xD800 | ((v >> 10) & 0x3FF)), swap);
-            d[1] = swapIf(static_cast<uint16_t>(0xDC00 | (v & 0x3FF)), swap);
-            d += 2;
-            room -= 2;
-        }
-        s += used;
-        left -= used;
+// The state of one conversion: read and write positions, the source
+// elements not yet consumed and the output elements not yet used.
+template <typename From, typename To>
+struct Cursor {
+    const From* s;
+    To* d;
+    size_t left;
+    size_t room;
+    bool swap;
+    void step(size_t used, size_t written) {
+        s += used, left -= used;
+        d += written, room -= written;
     }
-    *srcLen -= static_cast<uint32_t>(left);
-    *dstLen -= static_cast<uint32_t>(room);
+};
+
+// The value of a source element and the output element of a value, with the
+// 16-bit side's two bytes exchanged when asked.
+inline uint32_t valueOf(uint8_t b, bool) { return b; }
+inline uint32_t valueOf(uint16_t u, bool swap) { return swapIf(u, swap); }
+inline void put(uint8_t* d, uint32_t v, bool) { *d = static_cast<uint8_t>(v); }
+inline void put(uint16_t* d, uint32_t v, bool swap) { *d = swapIf(static_cast<uint16_t>(v), swap); }
+
+// Copies the ASCII run at the read position, block-wise when both sides
+// have a whole block left, element by element otherwise.
+template <typename From, typename To, typename Block>
+inline void asciiRun(Cursor<From, To>& c, size_t blockSize, Block block) {
+    const size_t n = c.left < c.room ? c.left : c.room;
+    size_t run = 0;
+    if (n >= blockSize) {
+        run = block(c.s, c.d, n, c.swap);
+    } else {
+        for (uint32_t v; run < n && (v = valueOf(c.s[run], c.swap)) < 0x80; ++run) put(c.d + run, v, c.swap);
+    }
+    c.step(run, run);
+}
+
+// Runs passes until the source is used up or a pass finds no room for the
+// next character (it returns false), then reports what was consumed and
+// produced through srcLen and dstLen.
+template <typename From, typename To, typename Pass>
+zevStatus convert(const From* src, uint32_t* srcLen, To* dst, uint32_t* dstLen, int32_t bigEndian, Pass pass) {
+    if (ownAnyNull(src, srcLen, dst, dstLen)) return zevStatusNullPointer;
+    Cursor<From, To> c{src, dst, *srcLen, *dstLen, bigEndian != 0};
+    while (c.left > 0 && c.room > 0 && pass(c)) {
+    }
+    *srcLen -= static_cast<uint32_t>(c.left);
+    *dstLen -= static_cast<uint32_t>(c.room);
     return zevStatusOk;
 }
 
-zevStatus utf16To8(const uint16_t* src, uint32_t* srcLen, uint8_t* dst, uint32_t* dstLen, int32_t bigEndian) {
-    if (ownAnyNull(src, srcLen, dst, dstLen)) return zevStatusNullPointer;
-    const bool swap = bigEndian != 0;
-    size_t left = *srcLen, room = *dstLen;
-    const uint16_t* s = src;
-    uint8_t* d = dst;
-    while (left > 0 && room > 0) {
-        const uint16_t u = swapIf(s[0], swap);
-        if (u < 0x80) {
-            const size_t n = left < room ? left : room;
-            size_t run = 0;
-            if (n >= 8) {
-                run = narrowAscii(s, d, n, swap);
-            } else {
-                for (uint16_t v; run < n && (v = swapIf(s[run], swap)) < 0x80; ++run) d[run] = static_cast<uint8_t>(v);
-            }
-            s += run, d += run, left -= run, room -= run;
-            continue;
-        }
-        // Two- and three-byte characters outside the surrogates, written directly.
-        if (u < 0x800) {
-            if (room < 2) break;
-            d[0] = static_cast<uint8_t>(0xC0 | u >> 6);
-            d[1] = static_cast<uint8_t>(0x80 | (u & 0x3F));
-            d += 2, room -= 2, s += 1, left -= 1;
-            continue;
-        }
-        if (u < 0xD800 || u > 0xDFFF) {
-            if (room < 3) break;
-            d[0] = static_cast<uint8_t>(0xE0 | u >> 12);
-            d[1] = static_cast<uint8_t>(0x80 | (u >> 6 & 0x3F));
-            d[2] = static_cast<uint8_t>(0x80 | (u & 0x3F));
-            d += 3, room -= 3, s += 1, left -= 1;
-            continue;
-        }
-        // A surrogate: with a low one behind a high one, a four-byte
-        // character; alone, the three-byte form of its own value.
-        uint32_t code = u;
-        size_t used = 1;
-        if (u <= 0xDBFF && left > 1) {
-            const uint16_t next = swapIf(s[1], swap);
-            if (next >= 0xDC00 && next <= 0xDFFF) {
-                code = ((static_cast<uint32_t>(u & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
+// One UTF-8 character (or one malformed byte) to one or two units.
+bool pass8to16(Cursor<uint8_t, uint16_t>& c) {
+    const uint8_t* s = c.s;
+    const uint8_t b = s[0];
+    if (b < 0x80) {
+        asciiRun(c, AsciiBlock, widenAscii);
+        return true;
+    }
+    // Well-formed two-, three- and four-byte forms, most of non-ASCII text,
+    // take a short cut chosen by the top bits of the first byte (one jump
+    // rather than a chain of tests); all else goes through the full decoder.
+    uint32_t code = 0;
+    size_t used = 0;
+    switch (b >> 4) {
+        case 0xC:
+        case 0xD:
+            if (b >= 0xC2 && c.left >= 2 && (s[1] & 0xC0) == 0x80) {
+                code = static_cast<uint32_t>(b & 0x1F) << 6 | (s[1] & 0x3F);
                 used = 2;
             }
-        }
-        const size_t k = used == 2 ? 3 : 2;  // continuation bytes
-        if (k + 1 > room) break;  // only whole characters are written
-        for (size_t i = k; i > 0; --i) {
-            d[i] = static_cast<uint8_t>(0x80 | (code & 0x3F));
-            code >>= 6;
-        }
-        d[0] = static_cast<uint8_t>(code | UtfClasses[k].mark);
-        d += k + 1;
-        room -= k + 1;
-        s += used;
-        left -= used;
+            break;
+        case 0xE:
+            if (c.left >= 3 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 && (b != 0xE0 || s[1] >= 0xA0)) {
+                code = static_cast<uint32_t>(b & 0x0F) << 12 | static_cast<uint32_t>(s[1] & 0x3F) << 6 | (s[2] & 0x3F);
+                used = 3;
+            }
+            break;
+        case 0xF:
+            if (b < 0xF8 && c.left >= 4 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 &&
+                (s[3] & 0xC0) == 0x80 && (b != 0xF0 || s[1] >= 0x90)) {
+                code = static_cast<uint32_t>(b & 0x07) << 18 | static_cast<uint32_t>(s[1] & 0x3F) << 12 |
+                       static_cast<uint32_t>(s[2] & 0x3F) << 6 | (s[3] & 0x3F);
+                used = 4;
+            }
+            break;
+        default:
+            break;
     }
-    *srcLen -= static_cast<uint32_t>(left);
-    *dstLen -= static_cast<uint32_t>(room);
-    return zevStatusOk;
+    if (used == 0) used = decodeUtf8(s, c.left, &code);
+    if (code <= 0xFFFF) {
+        put(c.d, code, c.swap);
+        c.step(used, 1);
+        return true;
+    }
+    if (c.room < 2) return false;  // the pair does not fit; the sequence stays unread
+    const uint32_t v = code - 0x10000;  // bits above 20 are dropped
+    put(c.d, 0xD800 | ((v >> 10) & 0x3FF), c.swap);
+    put(c.d + 1, 0xDC00 | (v & 0x3FF), c.swap);
+    c.step(used, 2);
+    return true;
+}
+
+// One unit (or a surrogate pair) to a UTF-8 sequence, written only whole.
+bool pass16to8(Cursor<uint16_t, uint8_t>& c) {
+    const uint16_t u = swapIf(c.s[0], c.swap);
+    if (u < 0x80) {
+        asciiRun(c, 8, narrowAscii);
+        return true;
+    }
+    uint32_t code = u;
+    size_t used = 1;
+    // A high surrogate with a low one behind it is one character; any other
+    // surrogate goes out as the three-byte form of its own value.
+    if (u >= 0xD800 && u <= 0xDBFF && c.left > 1) {
+        const uint16_t next = swapIf(c.s[1], c.swap);
+        if (next >= 0xDC00 && next <= 0xDFFF) {
+            code = ((static_cast<uint32_t>(u & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000;
+            used = 2;
+        }
+    }
+    const size_t k = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;  // continuation bytes
+    if (k + 1 > c.room) return false;
+    uint8_t* d = c.d;
+    for (size_t i = k; i > 0; --i) {
+        d[i] = static_cast<uint8_t>(0x80 | (code & 0x3F));
+        code >>= 6;
+    }
+    d[0] = static_cast<uint8_t>(code | UtfClasses[k].mark);
+    c.step(used, k + 1);
+    return true;
 }
 
 }  // namespace
@@ -280,11 +275,11 @@ extern "C" {
 
 zevStatus zevsConvertUTF_8u16u(const uint8_t* src, uint32_t* srcLen, uint16_t* dst, uint32_t* dstLen,
                                int32_t bigEndian) {
-    return utf8To16(src, srcLen, dst, dstLen, bigEndian);
+    return convert(src, srcLen, dst, dstLen, bigEndian, pass8to16);
 }
 zevStatus zevsConvertUTF_16u8u(const uint16_t* src, uint32_t* srcLen, uint8_t* dst, uint32_t* dstLen,
                                int32_t bigEndian) {
-    return utf16To8(src, srcLen, dst, dstLen, bigEndian);
+    return convert(src, srcLen, dst, dstLen, bigEndian, pass16to8);
 }
 
 }  // extern "C"

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "zevch.h"
@@ -102,29 +103,25 @@ Result16to8 model16to8(const Units& src, uint32_t room, bool big) {
     return r;
 }
 
-// Runs the library with a source and an output of exactly the given sizes.
-Result8to16 run8to16(const Bytes& src, uint32_t room, bool big) {
-    Bytes s = src;
-    Units d(room);
+// Runs a conversion with a source and an output of exactly the given sizes.
+template <typename To, typename From, typename Fn>
+std::pair<std::vector<To>, uint32_t> run(Fn convert, const std::vector<From>& src, uint32_t room, bool big) {
+    std::vector<From> s = src;
+    std::vector<To> d(room);
     uint32_t sl = static_cast<uint32_t>(s.size()), dl = room;
-    const uint8_t dummy = 0;
-    uint16_t dummyOut = 0;
-    EXPECT_EQ(zevsConvertUTF_8u16u(s.empty() ? &dummy : s.data(), &sl, room ? d.data() : &dummyOut, &dl, big ? 1 : 0),
-              zevStatusOk);
+    const From noSource = 0;
+    To noRoom = 0;
+    EXPECT_EQ(convert(s.empty() ? &noSource : s.data(), &sl, room ? d.data() : &noRoom, &dl, big ? 1 : 0), zevStatusOk);
     d.resize(dl);
     return {d, sl};
 }
-
+Result8to16 run8to16(const Bytes& src, uint32_t room, bool big) {
+    auto [out, consumed] = run<uint16_t>(zevsConvertUTF_8u16u, src, room, big);
+    return {out, consumed};
+}
 Result16to8 run16to8(const Units& src, uint32_t room, bool big) {
-    Units s = src;
-    Bytes d(room);
-    uint32_t sl = static_cast<uint32_t>(s.size()), dl = room;
-    const uint16_t dummy = 0;
-    uint8_t dummyOut = 0;
-    EXPECT_EQ(zevsConvertUTF_16u8u(s.empty() ? &dummy : s.data(), &sl, room ? d.data() : &dummyOut, &dl, big ? 1 : 0),
-              zevStatusOk);
-    d.resize(dl);
-    return {d, sl};
+    auto [out, consumed] = run<uint8_t>(zevsConvertUTF_16u8u, src, room, big);
+    return {out, consumed};
 }
 
 TEST(Utf, FixedCases8to16) {
