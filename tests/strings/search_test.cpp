@@ -139,36 +139,6 @@ TYPED_TEST(SearchTyped, ArgumentChecksInOrder) {
     EXPECT_EQ(idx, 7);
 }
 
-TYPED_TEST(SearchTyped, EmptyThingsAreFoundNowhere) {
-    using T = TypeParam;
-    using A = Api<T>;
-    const T s[3] = {4, 4, 4};
-    int32_t idx = 0;
-    EXPECT_EQ(A::find(s, 0, s, 0, &idx), zevStatusOk);
-    EXPECT_EQ(idx, -1);
-    idx = 0;
-    A::find(s, 3, s, 0, &idx);
-    EXPECT_EQ(idx, -1);
-    idx = 0;
-    A::find(s, 2, s, 3, &idx);
-    EXPECT_EQ(idx, -1);
-    idx = 0;
-    A::findCAny(s, 3, s, 0, &idx);
-    EXPECT_EQ(idx, -1);
-    idx = 0;
-    A::findC(s, 0, 4, &idx);
-    EXPECT_EQ(idx, -1);
-    A::findRevC(s, 1, 4, &idx);
-    EXPECT_EQ(idx, 0);
-    // Overlapping occurrences: first at 0, last at 1.
-    A::find(s, 3, s, 2, &idx);
-    EXPECT_EQ(idx, 0);
-    A::findRev(s, 3, s, 2, &idx);
-    EXPECT_EQ(idx, 1);
-    A::findRev(s, 3, s, 3, &idx);
-    EXPECT_EQ(idx, 0);
-}
-
 TYPED_TEST(SearchTyped, ZeroTerminatedForms) {
     using T = TypeParam;
     using A = Api<T>;
