@@ -345,10 +345,14 @@ zevStatus ownRegExpQuantifier(CompileState* cs) {
         RegExpNode& close = nodes[repeat - 1];
         if (close.word3 == 1) close.word3 = -1;
         // A quantifier on a lookaround has no effect at run time: the
-        // lookaround stands once, or not at all for a minimum of 0.
+        // lookaround stands once, or not at all for a minimum of 0. The
+        // first head below with the close's id is the group's own head (ids
+        // of closed heads are unique, and an open head around it holds a
+        // depth below any id inside it), so the search stops there rather
+        // than running on to node 0 for every other group.
         for (int32_t i = repeat - 2; i >= 0; --i) {
-            if (ownIsLookaroundKind(nodes[i].kind) && nodes[i].word1 == close.word1) {
-                cs->nodeCount = min >= 1 ? repeat : i;
+            if (ownIsHeadKind(nodes[i].kind) && nodes[i].word1 == close.word1) {
+                if (ownIsLookaroundKind(nodes[i].kind)) cs->nodeCount = min >= 1 ? repeat : i;
                 break;
             }
         }
