@@ -93,6 +93,13 @@ Progress::~Progress() {
     if (enabled_ && shown_ >= 0) std::fputs("\r\033[K", stderr);
 }
 
+void Progress::note(const char* what) {
+    if (!enabled_) return;
+    shown_ = 0;
+    std::fprintf(stderr, "\rzevch: %s: %s", name_.c_str(), what);
+    std::fflush(stderr);
+}
+
 void Progress::update(size_t done) {
     if (!enabled_) return;
     const int percent = static_cast<int>(static_cast<double>(done) * 100.0 / static_cast<double>(total_));

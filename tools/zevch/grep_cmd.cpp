@@ -175,7 +175,12 @@ bool grepWhole(Context& c, int64_t& selected) {
         return false;
     }
     int32_t count = 0;
-    const zevStatus st = findAll(c.p, data, static_cast<int32_t>(size), c.entries, count);
+    zevStatus st;
+    {
+        Progress progress(c.in.name(), size);
+        progress.note("searching as one subject");
+        st = findAll(c.p, data, static_cast<int32_t>(size), c.entries, count);
+    }
     if (st != zevStatusOk) {
         reportSearchError(c, 1, st);
         return false;

@@ -87,7 +87,7 @@ int64_t multiInput(MultiJob& job, const Input& in) {
         }
         std::vector<RegExpMultiResult> results(n);
         Progress progress(in.name(), size);
-        progress.update(0);
+        progress.note("searching with all patterns at once");
         // Each round runs the patterns still in the set. A pattern whose array
         // filled up stays in with a larger one; the others leave the set.
         size_t left = n;

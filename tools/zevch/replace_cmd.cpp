@@ -131,6 +131,8 @@ bool replaceInput(ReplaceJob& job, const Input& in) {
             out(data, size);
             return false;
         }
+        Progress progress(in.name(), size);
+        progress.note("replacing in one subject");
         return replaceSubject(job, b, data, static_cast<int32_t>(size), in.name() + ": ");
     }
     Progress progress(in.name(), size);

@@ -58,6 +58,8 @@ public:
     Progress(const std::string& name, size_t total);
     ~Progress();
     void update(size_t done);
+    // For work done in one library call: says what is going on instead.
+    void note(const char* what);
 
 private:
     std::string name_;
