@@ -17,32 +17,32 @@
 
 namespace zevch_match {
 
-inline int32_t byteInRange(uint32_t c, int32_t low, int32_t high) {
+inline constexpr int32_t byteInRange(uint32_t c, int32_t low, int32_t high) {
     int32_t v = static_cast<int32_t>(c);
     return (v - low) | (high - v);
 }
 
-inline int32_t byteEquals(uint32_t c, uint32_t k) {
+inline constexpr int32_t byteEquals(uint32_t c, uint32_t k) {
     return -static_cast<int32_t>(c ^ k);
 }
 
-inline int32_t isDigitByte(uint32_t c) { return byteInRange(c, 0x30, 0x39); }
-inline int32_t isNotDigitByte(uint32_t c) { return ~isDigitByte(c); }
-inline int32_t isWordByte(uint32_t c) {
+inline constexpr int32_t isDigitByte(uint32_t c) { return byteInRange(c, 0x30, 0x39); }
+inline constexpr int32_t isNotDigitByte(uint32_t c) { return ~isDigitByte(c); }
+inline constexpr int32_t isWordByte(uint32_t c) {
     return byteInRange(c, 0x41, 0x5A) & byteInRange(c, 0x61, 0x7A) & byteInRange(c, 0x30, 0x39) &
            byteEquals(c, 0x5F);
 }
-inline int32_t isNotWordByte(uint32_t c) { return ~isWordByte(c); }
+inline constexpr int32_t isNotWordByte(uint32_t c) { return ~isWordByte(c); }
 // Five bytes: tab, line feed, form feed, carriage return, blank. 0x0B is not
 // one of them.
-inline int32_t isSpaceByte(uint32_t c) {
+inline constexpr int32_t isSpaceByte(uint32_t c) {
     return byteEquals(c, 0x09) & byteEquals(c, 0x0A) & byteEquals(c, 0x0C) & byteEquals(c, 0x0D) &
            byteEquals(c, 0x20);
 }
-inline int32_t isNotSpaceByte(uint32_t c) { return ~isSpaceByte(c); }
-inline int32_t isNotNewlineByte(uint32_t c) { return ~byteEquals(c, 0x0A); }
-inline int32_t anyByte(uint32_t) { return 0; }
-inline int32_t noByte(uint32_t) { return -1; }
+inline constexpr int32_t isNotSpaceByte(uint32_t c) { return ~isSpaceByte(c); }
+inline constexpr int32_t isNotNewlineByte(uint32_t c) { return ~byteEquals(c, 0x0A); }
+inline constexpr int32_t anyByte(uint32_t) { return 0; }
+inline constexpr int32_t noByte(uint32_t) { return -1; }
 
 // The predicate families by selector, so that templates can inline them.
 enum PredicateKind : int32_t {
@@ -52,7 +52,7 @@ enum PredicateKind : int32_t {
 
 // The selection shared by both function-pointer forms and the repeat loops:
 // the letter (low byte of the node's word1) and whether dot-all is on.
-inline PredicateKind selectPredicate(uint32_t letter, uint32_t dotAll) {
+inline constexpr PredicateKind selectPredicate(uint32_t letter, uint32_t dotAll) {
     switch (letter) {
         case 'd': return PredicateDigit;
         case 'D': return PredicateNotDigit;
@@ -66,7 +66,7 @@ inline PredicateKind selectPredicate(uint32_t letter, uint32_t dotAll) {
 }
 
 template <PredicateKind K>
-inline int32_t testByte(uint32_t c) {
+inline constexpr int32_t testByte(uint32_t c) {
     if constexpr (K == PredicateDigit) return isDigitByte(c);
     else if constexpr (K == PredicateNotDigit) return isNotDigitByte(c);
     else if constexpr (K == PredicateWord) return isWordByte(c);
@@ -76,6 +76,22 @@ inline int32_t testByte(uint32_t c) {
     else if constexpr (K == PredicateNotNewline) return isNotNewlineByte(c);
     else if constexpr (K == PredicateAny) return anyByte(c);
     else return noByte(c);
+}
+
+// The same test with the kind chosen at run time.
+inline constexpr int32_t testByteOf(PredicateKind kind, uint32_t c) {
+    switch (kind) {
+        case PredicateDigit:      return testByte<PredicateDigit>(c);
+        case PredicateNotDigit:   return testByte<PredicateNotDigit>(c);
+        case PredicateWord:       return testByte<PredicateWord>(c);
+        case PredicateNotWord:    return testByte<PredicateNotWord>(c);
+        case PredicateSpace:      return testByte<PredicateSpace>(c);
+        case PredicateNotSpace:   return testByte<PredicateNotSpace>(c);
+        case PredicateNotNewline: return testByte<PredicateNotNewline>(c);
+        case PredicateAny:        return testByte<PredicateAny>(c);
+        case PredicateNone:       break;
+    }
+    return testByte<PredicateNone>(c);
 }
 
 }  // namespace zevch_match

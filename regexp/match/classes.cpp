@@ -18,6 +18,7 @@
 //
 // Tested by tests/match/class_test.cpp.
 
+#include "regexp/match/char_predicates.h"
 #include "regexp/match/repeat_loops.h"
 
 using namespace zevch_match;
@@ -74,8 +75,8 @@ int32_t classAnswer(const MatchContext* ctx, int32_t head, uint32_t first, int32
                 break;
             }
             case NodeCharType:
-                result = ownGetCharPredicateByValue(static_cast<uint32_t>(item.word1) & 0xFF,
-                                                    flags & OptionDotAll)(first) ^ item.word3;
+                result = testByteOf(selectPredicate(static_cast<uint32_t>(item.word1) & 0xFF, flags & OptionDotAll),
+                                    first) ^ item.word3;
                 break;
             case NodeRange:
                 result = rangeResult(item, first, size, code, ignoreCase) ^ item.word3;
@@ -103,6 +104,119 @@ int32_t classAnswer(const MatchContext* ctx, int32_t head, uint32_t first, int32
     return (acc ^ nodes[head].word1) < 0 ? -1 : 1;
 }
 
+// The ASCII members of a class, as 128 bits. For a single-byte character
+// every item but the property kinds, NodeRange in code form and a folded
+// NodeWideChar reduces to such a set, and the class to their union: a class
+// of those items is then checked per ASCII byte by one bit test.
+struct AsciiSet {
+    uint64_t bits[2];
+
+    bool has(uint32_t c) const { return ((bits[c >> 6] >> (c & 63)) & 1) != 0; }
+    void add(uint32_t c) {
+        if (c < 0x80) {
+            bits[c >> 6] |= 1ull << (c & 63);
+        }
+    }
+    void unite(const AsciiSet& o) {
+        bits[0] |= o.bits[0];
+        bits[1] |= o.bits[1];
+    }
+    void invertIf(bool invert) {
+        if (invert) {
+            bits[0] = ~bits[0];
+            bits[1] = ~bits[1];
+        }
+    }
+};
+
+constexpr AsciiSet predicateSet(PredicateKind kind) {
+    AsciiSet set{{0, 0}};
+    for (uint32_t c = 0; c < 0x80; ++c) {
+        if (testByteOf(kind, c) >= 0) {
+            set.bits[c >> 6] |= 1ull << (c & 63);
+        }
+    }
+    return set;
+}
+
+constexpr AsciiSet PredicateSets[] = {
+    predicateSet(PredicateDigit),      predicateSet(PredicateNotDigit), predicateSet(PredicateWord),
+    predicateSet(PredicateNotWord),    predicateSet(PredicateSpace),    predicateSet(PredicateNotSpace),
+    predicateSet(PredicateNotNewline), predicateSet(PredicateAny),      predicateSet(PredicateNone),
+};
+static_assert(sizeof PredicateSets / sizeof *PredicateSets == PredicateNone + 1, "one set per predicate");
+
+// Bytes low..high of 0..127.
+AsciiSet rangeSet(int32_t low, int32_t high) {
+    AsciiSet set{{0, 0}};
+    for (int32_t half = 0; half < 2; ++half) {
+        int32_t from = std::max(low, half * 64);
+        int32_t to = std::min(high, half * 64 + 63);
+        if (from <= to) {
+            int32_t width = to - from + 1;
+            uint64_t run = width == 64 ? ~0ull : ((1ull << width) - 1);
+            set.bits[half] = run << (from - half * 64);
+        }
+    }
+    return set;
+}
+
+// The set of the class at `head` under `flags`, or false when an item needs
+// the per-character check.
+bool buildAsciiSet(const MatchContext* ctx, int32_t head, uint32_t flags, AsciiSet& out) {
+    const RegExpNode* nodes = ctx->nodes;
+    const bool ignoreCase = (flags & OptionIgnoreCase) != 0;
+    AsciiSet all{{0, 0}};
+    for (int32_t i = 1; i <= nodes[head].word2; ++i) {
+        const RegExpNode& item = nodes[head + i];
+        AsciiSet set{{0, 0}};
+        switch (item.kind) {
+            case NodeChar: {
+                uint8_t literal = static_cast<uint8_t>(item.word1);
+                set.add(literal);
+                if (ignoreCase) {
+                    set.add(otherCaseByte(literal));
+                }
+                break;
+            }
+            case NodeCharType:
+                set = PredicateSets[selectPredicate(static_cast<uint32_t>(item.word1) & 0xFF, flags & OptionDotAll)];
+                break;
+            case NodeRange: {
+                if (item.word1 >= 256 || item.word2 > 255) {
+                    return false;
+                }
+                set = rangeSet(item.word1, item.word2);
+                if (ignoreCase) {
+                    // A letter whose other case is in the range: bits 0x41..0x5A
+                    // and 0x61..0x7A both lie in the upper word, 32 apart.
+                    constexpr uint64_t upper = 0x07FFFFFEull;          // 0x41..0x5A
+                    constexpr uint64_t lower = 0x07FFFFFEull << 32;    // 0x61..0x7A
+                    uint64_t h = set.bits[1];
+                    set.bits[1] = h | ((h & lower) >> 32) | ((h & upper) << 32);
+                }
+                break;
+            }
+            case NodeWideChar:
+                if (ignoreCase) {
+                    return false;
+                }
+                if (item.word1 >= 0) {
+                    set.add(static_cast<uint32_t>(item.word1));
+                }
+                break;
+            default:
+                return false;
+        }
+        // The first four kinds carry an invert mark; its sign flips the item.
+        set.invertIf(item.word3 < 0);
+        all.unite(set);
+    }
+    all.invertIf(nodes[head].word1 < 0);
+    out = all;
+    return true;
+}
+
 struct CharAt {
     uint32_t first;
     int32_t size;
@@ -124,8 +238,31 @@ inline CharAt readChar(const uint8_t* q, int32_t left) {
 
 struct ClassItems : Utf8Steps {
     int32_t head;
+    uint32_t setFlags;   // the flags the set or the memo was made for
+    bool useSet;
+    AsciiSet set;
     AsciiMemo memo;
-    uint32_t memoFlags;
+
+    ClassItems(MatchContext* context, int32_t classHead) : Utf8Steps{context}, head(classHead) {
+        prepare(context->flags);
+    }
+
+    void prepare(uint32_t flags) {
+        setFlags = flags;
+        useSet = buildAsciiSet(ctx, head, flags, set);
+        memo = AsciiMemo{};
+    }
+
+    bool asciiAnswer(uint32_t b) {
+        if (ctx->flags != setFlags) {
+            prepare(ctx->flags);   // a lazy repeat's continuation changed them
+        }
+        if (useSet) {
+            return set.has(b);
+        }
+        auto check = [this](int32_t c) { return classAnswer(ctx, head, c, 1, c) > 0; };
+        return memo.answer(static_cast<int32_t>(b), check);
+    }
 
     int32_t take(const uint8_t* p, int32_t offset, int32_t remaining) {
         if (offset == remaining) {
@@ -138,12 +275,7 @@ struct ClassItems : Utf8Steps {
         }
         if (q[0] < 0x80) {
             // An ASCII byte's answer depends on the byte and the flags only.
-            if (ctx->flags != memoFlags) {
-                memo = AsciiMemo{};
-                memoFlags = ctx->flags;
-            }
-            auto check = [this](int32_t c) { return classAnswer(ctx, head, c, 1, c) > 0; };
-            return memo.answer(q[0], check) ? 1 : -1;
+            return asciiAnswer(q[0]) ? 1 : -1;
         }
         CharAt c = readChar(q, left);
         if (classAnswer(ctx, head, c.first, c.size, c.code) < 0) {
@@ -175,7 +307,7 @@ int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, i
     if (next < ctx->endNode && ctx->nodes[next].kind == NodeRepeat) {
         ++next;
     }
-    ClassItems items{{ctx}, head, {}, ctx->flags};
+    ClassItems items(ctx, head);
     return greedyRepeat(p, remaining, ctx, min, max, next, items);
 }
 
@@ -183,6 +315,6 @@ int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, i
 int32_t ownRepeatClassLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max) {
     const int32_t head = ctx->currentNode;
     const int32_t next = head + ctx->nodes[head].word2 + 2;
-    ClassItems items{{ctx}, head, {}, ctx->flags};
+    ClassItems items(ctx, head);
     return lazyRepeat(p, remaining, ctx, min, max, next, -1, items);
 }

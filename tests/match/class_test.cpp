@@ -7,6 +7,8 @@
 
 #include <pthread.h>
 
+#include <random>
+
 #include "repeat_machine.h"
 
 using namespace repeat_test;
@@ -95,6 +97,39 @@ TEST(Class, GreedyAndLazyOrder) {
     Machine all({cls(1, -1), chr('a'), greedy(0, Many)});
     EXPECT_EQ(run(all, EAcute + "bc", 0, 1).length, 4);
     EXPECT_EQ(run(all, EAcute, 0, 1).length, 2);
+}
+
+// A class repeat answers ASCII bytes from a set of bits made on entry; it
+// must agree with the item-by-item check for every byte, class and option.
+TEST(Class, RepeatAgreesWithTheCheckOnEveryByte) {
+    std::mt19937 rng(11);
+    const char letters[] = {'.', 'd', 'D', 'w', 'W', 's', 'S', 'q'};
+    const uint8_t literals[] = {'a', 'Z', '-', '@', 0x7F, 0x80, 0xE9, '\n'};
+    for (int round = 0; round < 300; ++round) {
+        int32_t n = static_cast<int32_t>(rng() % 4);
+        std::vector<RegExpNode> nodes{cls(n, rng() % 3 == 0 ? -1 : 0)};
+        for (int32_t i = 0; i < n; ++i) {
+            int32_t invert = rng() % 4 == 0 ? -1 : 0;
+            int32_t low = static_cast<int32_t>(rng() % 140);
+            switch (rng() % 4) {
+                case 0: nodes.push_back(chr(literals[rng() % 8], invert)); break;
+                case 1: nodes.push_back(node(NodeCharType, letters[rng() % 8], 0, invert)); break;
+                case 2: nodes.push_back(range(low, low + static_cast<int32_t>(rng() % 60), invert)); break;
+                default: nodes.push_back(node(NodeWideChar, literals[rng() % 8], 0, invert)); break;
+            }
+        }
+        nodes.push_back(greedy(1, 1));
+        Machine m(nodes);
+        for (uint32_t flags : {0u, 1u, 4u, 5u}) {
+            for (int c = 0; c < 256; ++c) {
+                std::string subject(1, static_cast<char>(c));
+                Outcome o = m.run(subject, 10, 1, 0, -1, [&](MatchContext& ctx) { ctx.flags = flags; });
+                MatchContext& ctx = m.context();
+                bool member = ownCheckClass(reinterpret_cast<const uint8_t*>(subject.data()), 1, &ctx, 0) > 0;
+                ASSERT_EQ(o.result == 0, member) << "round " << round << " byte " << c << " flags " << flags;
+            }
+        }
+    }
 }
 
 TEST(Class, CheckAtTheSubjectsEnd) {
