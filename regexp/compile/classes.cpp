@@ -28,7 +28,7 @@ struct PosixName {
     PosixItem   items[4];
 };
 
-// "word" is special-cased: \w, or \W when negated, with no invert mark.
+// "word" stands apart: \w, or \W when negated, with no invert mark.
 constexpr PosixName PosixNames[] = {
     {"alnum", 5, 3, {{NodeRange, 97, 122}, {NodeRange, 65, 90}, {NodeRange, 48, 57}}},
     {"alpha", 5, 2, {{NodeRange, 97, 122}, {NodeRange, 65, 90}}},

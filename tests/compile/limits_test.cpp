@@ -209,7 +209,7 @@ bool compileChecked(const std::string& pattern, const char* options) {
 const char* const OptionChoices[] = {nullptr, "x", "i", "xs"};
 
 // Random patterns from a small alphabet of tokens that are, alone or
-// together, most of the language's special cases.
+// together, most of the language's corner cases.
 TEST(Limits, RandomTokenPatterns) {
     static const char* const tokens[] = {
         "a", "b", "ab", "abc", ".", "\\d", "\\w", "\\s", "(", ")", "(?:", "(?=", "(?!", "(?<=", "(?<!",
@@ -233,7 +233,7 @@ TEST(Limits, RandomTokenPatterns) {
     EXPECT_LT(compiled, 27000);
 }
 
-// Random bytes, most of them special somewhere in the language.
+// Random bytes, most of them with a meaning somewhere in the language.
 TEST(Limits, RandomBytePatterns) {
     static const char alphabet[] = "()[]{}\\|*+?.^$-:=!<>#,QEcxpP0189aAbBdDwWsSiLg{} \n\xc3\xa9";
     std::mt19937 rng(54321);
