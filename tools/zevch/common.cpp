@@ -341,6 +341,51 @@ Arguments parseArguments(int argc, char** argv, const OptionTable& accepted, con
     return a;
 }
 
+bool parseCommand(int argc, char** argv, const OptionTable& accepted, const char* command,
+                  const char* help, Arguments& a, int& status) {
+    a = parseArguments(argc, argv, accepted, command);
+    if (a.help) {
+        out(help);
+        status = ExitSelected;
+        return false;
+    }
+    if (const std::string* limit = a.value("limit")) {
+        if (!parseLimit(*limit, a.limit)) {
+            toolError("%s: --limit needs a number from 0 to 2147483647, not \"%s\"", command, limit->c_str());
+            a.bad = true;
+        }
+    }
+    status = ExitTrouble;
+    return !a.bad;
+}
+
+bool forEachInput(std::vector<std::string> files, const std::function<bool(const Input&)>& work) {
+    if (files.empty()) files.push_back("-");
+    bool ok = true;
+    for (const std::string& f : files) {
+        Input in;
+        if (!in.open(f) || !work(in)) ok = false;
+    }
+    return ok;
+}
+
+void forEachLine(const Input& in,
+                 const std::function<bool(const uint8_t*, size_t, bool, int64_t)>& line) {
+    const uint8_t* data = in.data();
+    const size_t size = in.size();
+    Progress progress(in.name(), size);
+    size_t at = 0;
+    int64_t number = 0;
+    while (at < size) {
+        const void* nl = std::memchr(data + at, '\n', size - at);
+        const size_t end = nl != nullptr ? static_cast<size_t>(static_cast<const uint8_t*>(nl) - data) : size;
+        ++number;
+        if (!line(data + at, end - at, nl != nullptr, number)) return;
+        at = end + 1;
+        if ((number & 0xFFF) == 0) progress.update(at < size ? at : size);
+    }
+}
+
 bool parseLimit(const std::string& text, int64_t& limit) {
     if (text.empty() || text.size() > 10) return false;
     int64_t v = 0;

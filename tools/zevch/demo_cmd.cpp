@@ -29,16 +29,12 @@ void heading(const std::string& command) {
 }  // namespace
 
 int commandDemo(int argc, char** argv) {
-    OptionTable accepted;
-    accepted.patternLetters = false;
-    Arguments a = parseArguments(argc, argv, accepted, "demo");
-    if (a.help) {
-        out(DemoHelp);
-        outFlush();
-        return ExitSelected;
-    }
-    if (a.bad || !a.positional.empty()) {
-        if (!a.bad) toolError("demo: takes no arguments");
+    const OptionTable accepted{"", "", {}, {}, false};
+    Arguments a;
+    int status = ExitTrouble;
+    if (!parseCommand(argc, argv, accepted, "demo", DemoHelp, a, status)) return status;
+    if (!a.positional.empty()) {
+        toolError("demo: takes no arguments");
         return ExitTrouble;
     }
     Input sample;

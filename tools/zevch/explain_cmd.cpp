@@ -22,15 +22,10 @@ const char* const ExplainHelp =
 }  // namespace
 
 int commandExplain(int argc, char** argv) {
-    OptionTable accepted;
-    accepted.patternLetters = false;
-    Arguments a = parseArguments(argc, argv, accepted, "explain");
-    if (a.help) {
-        out(ExplainHelp);
-        outFlush();
-        return ExitSelected;
-    }
-    if (a.bad) return ExitTrouble;
+    const OptionTable accepted{"", "", {}, {}, false};
+    Arguments a;
+    int status = ExitTrouble;
+    if (!parseCommand(argc, argv, accepted, "explain", ExplainHelp, a, status)) return status;
     if (a.positional.empty() || a.positional.size() > 2) {
         toolError("explain: give a pattern and at most one option string (see zevch explain --help)");
         return ExitTrouble;

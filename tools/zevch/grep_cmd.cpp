@@ -133,30 +133,18 @@ int grepLine(Context& c, const uint8_t* line, int32_t length, int64_t lineNumber
 }
 
 bool grepLines(Context& c, int64_t& selected) {
-    const uint8_t* data = c.in.data();
-    const size_t size = c.in.size();
-    Progress progress(c.in.name(), size);
-    size_t at = 0;
-    int64_t lineNumber = 0;
     int64_t found = 0;
-    while (at < size) {
-        const void* nl = std::memchr(data + at, '\n', size - at);
-        const size_t end = nl != nullptr ? static_cast<size_t>(static_cast<const uint8_t*>(nl) - data) : size;
-        ++lineNumber;
-        if (end - at > INT32_MAX) {
+    forEachLine(c.in, [&](const uint8_t* line, size_t length, bool, int64_t number) {
+        if (length > INT32_MAX) {
             toolError("%s:%lld: line too long for one search (more than 2 GB)", c.in.name().c_str(),
-                      static_cast<long long>(lineNumber));
+                      static_cast<long long>(number));
             c.failed = true;
-        } else {
-            const int r = grepLine(c, data + at, static_cast<int32_t>(end - at), lineNumber);
-            if (r == 1) {
-                ++found;
-                if (c.s.filesWithMatches || (c.binary && !c.s.count)) break;
-            }
+            return true;
         }
-        at = end + 1;
-        if ((lineNumber & 0xFFF) == 0) progress.update(at < size ? at : size);
-    }
+        if (grepLine(c, line, static_cast<int32_t>(length), number) != 1) return true;
+        ++found;
+        return !c.s.filesWithMatches && !(c.binary && !c.s.count);
+    });
     if (c.s.count) {
         if (c.s.showNames) out(c.in.name() + ":");
         out(std::to_string(found) + "\n");
@@ -260,17 +248,10 @@ bool grepInput(Pattern& p, const GrepSettings& s, const Input& in, int64_t& sele
 }
 
 int commandGrep(int argc, char** argv) {
-    OptionTable accepted;
-    accepted.flags = "conl";
-    accepted.valued = "e";
-    accepted.longFlags = {"whole"};
-    accepted.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, accepted, "grep");
-    if (a.help) {
-        out(GrepHelp);
-        return ExitSelected;
-    }
-    if (a.bad) return ExitTrouble;
+    const OptionTable accepted{"conl", "e", {"whole"}, {"limit"}, true};
+    Arguments a;
+    int status = ExitTrouble;
+    if (!parseCommand(argc, argv, accepted, "grep", GrepHelp, a, status)) return status;
     std::vector<std::string> files = a.positional;
     std::string patternText;
     if (const std::string* e = a.value("e")) {
@@ -283,12 +264,7 @@ int commandGrep(int argc, char** argv) {
         return ExitTrouble;
     }
     Pattern p;
-    if (const std::string* limit = a.value("limit")) {
-        if (!parseLimit(*limit, p.limit)) {
-            toolError("grep: --limit needs a number from 0 to 2147483647, not \"%s\"", limit->c_str());
-            return ExitTrouble;
-        }
-    }
+    p.limit = a.limit;
     if (compilePattern(patternText, a.patternOptions, p) != zevStatusOk) return ExitTrouble;
 
     GrepSettings s;
@@ -298,20 +274,9 @@ int commandGrep(int argc, char** argv) {
     s.filesWithMatches = a.has('l');
     s.whole = a.has(std::string("whole"));
     s.colour = colourWanted();
-    if (files.empty()) files.push_back("-");
     s.showNames = files.size() > 1;
-
-    bool trouble = false;
     int64_t selected = 0;
-    for (const std::string& f : files) {
-        Input in;
-        if (!in.open(f)) {
-            trouble = true;
-            continue;
-        }
-        if (!grepInput(p, s, in, selected)) trouble = true;
-    }
-    outFlush();
-    if (trouble) return ExitTrouble;
+    const bool ok = forEachInput(files, [&](const Input& in) { return grepInput(p, s, in, selected); });
+    if (!ok) return ExitTrouble;
     return selected > 0 ? ExitSelected : ExitNothing;
 }

@@ -167,29 +167,16 @@ int64_t multiInput(MultiJob& job, const Input& in) {
 }
 
 int commandMulti(int argc, char** argv) {
-    OptionTable accepted;
-    accepted.flags = "o";
-    accepted.valued = "f";
-    accepted.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, accepted, "multi");
-    if (a.help) {
-        out(MultiHelp);
-        outFlush();
-        return ExitSelected;
-    }
-    if (a.bad) return ExitTrouble;
+    const OptionTable accepted{"o", "f", {}, {"limit"}, true};
+    Arguments a;
+    int status = ExitTrouble;
+    if (!parseCommand(argc, argv, accepted, "multi", MultiHelp, a, status)) return status;
     const std::string* listFile = a.value("f");
     if (listFile == nullptr) {
         toolError("multi: -f PATTERNS is needed (see zevch multi --help)");
         return ExitTrouble;
     }
-    int64_t limit = -1;
-    if (const std::string* l = a.value("limit")) {
-        if (!parseLimit(*l, limit)) {
-            toolError("multi: --limit needs a number from 0 to 2147483647, not \"%s\"", l->c_str());
-            return ExitTrouble;
-        }
-    }
+    const int64_t limit = a.limit;
     MultiJob job;
     job.onlyMatching = a.has('o');
     {
@@ -222,25 +209,13 @@ int commandMulti(int argc, char** argv) {
         toolError("multi: %s holds no pattern", listFile->c_str());
         return ExitTrouble;
     }
-    std::vector<std::string> files = a.positional;
-    if (files.empty()) files.push_back("-");
-    job.showNames = files.size() > 1;
-    bool trouble = false;
+    job.showNames = a.positional.size() > 1;
     int64_t total = 0;
-    for (const std::string& f : files) {
-        Input in;
-        if (!in.open(f)) {
-            trouble = true;
-            continue;
-        }
+    const bool ok = forEachInput(a.positional, [&](const Input& in) {
         const int64_t found = multiInput(job, in);
-        if (found < 0) {
-            trouble = true;
-        } else {
-            total += found;
-        }
-    }
-    outFlush();
-    if (trouble) return ExitTrouble;
+        if (found > 0) total += found;
+        return found >= 0;
+    });
+    if (!ok) return ExitTrouble;
     return total > 0 ? ExitSelected : ExitNothing;
 }

@@ -135,43 +135,28 @@ bool replaceInput(ReplaceJob& job, const Input& in) {
         progress.note("replacing in one subject");
         return replaceSubject(job, b, data, static_cast<int32_t>(size), in.name() + ": ");
     }
-    Progress progress(in.name(), size);
     bool ok = true;
-    size_t at = 0;
-    int64_t lineNumber = 0;
-    while (at < size) {
-        const void* nl = std::memchr(data + at, '\n', size - at);
-        const size_t end = nl != nullptr ? static_cast<size_t>(static_cast<const uint8_t*>(nl) - data) : size;
-        ++lineNumber;
-        const size_t length = end - at;
+    forEachLine(in, [&](const uint8_t* line, size_t length, bool newline, int64_t number) {
         if (length > INT32_MAX) {
             toolError("%s:%lld: line too long (more than 2 GB); passed on unchanged", in.name().c_str(),
-                      static_cast<long long>(lineNumber));
-            out(data + at, length);
+                      static_cast<long long>(number));
+            out(line, length);
             ok = false;
         } else if (length > 0) {
-            const std::string where = in.name() + ":" + std::to_string(lineNumber) + ": ";
-            if (!replaceSubject(job, b, data + at, static_cast<int32_t>(length), where)) ok = false;
+            const std::string where = in.name() + ":" + std::to_string(number) + ": ";
+            if (!replaceSubject(job, b, line, static_cast<int32_t>(length), where)) ok = false;
         }
-        if (nl != nullptr) out("\n", 1);
-        at = end + 1;
-        if ((lineNumber & 0xFFF) == 0) progress.update(at < size ? at : size);
-    }
+        if (newline) out("\n", 1);
+        return true;
+    });
     return ok;
 }
 
 int commandReplace(int argc, char** argv) {
-    OptionTable accepted;
-    accepted.flags = "g";
-    accepted.longFlags = {"whole"};
-    accepted.longValued = {"limit"};
-    Arguments a = parseArguments(argc, argv, accepted, "replace");
-    if (a.help) {
-        out(ReplaceHelp);
-        outFlush();
-        return ExitSelected;
-    }
-    if (a.bad) return ExitTrouble;
+    const OptionTable accepted{"g", "", {"whole"}, {"limit"}, true};
+    Arguments a;
+    int status = ExitTrouble;
+    if (!parseCommand(argc, argv, accepted, "replace", ReplaceHelp, a, status)) return status;
     if (a.positional.size() < 2) {
         toolError("replace: a pattern and a template are needed (see zevch replace --help)");
         return ExitTrouble;
@@ -179,25 +164,10 @@ int commandReplace(int argc, char** argv) {
     ReplaceJob job;
     job.global = a.has('g');
     job.whole = a.has(std::string("whole"));
-    if (const std::string* limit = a.value("limit")) {
-        if (!parseLimit(*limit, job.pattern.limit)) {
-            toolError("replace: --limit needs a number from 0 to 2147483647, not \"%s\"", limit->c_str());
-            return ExitTrouble;
-        }
-    }
+    job.pattern.limit = a.limit;
     if (compilePattern(a.positional[0], a.patternOptions, job.pattern) != zevStatusOk) return ExitTrouble;
     if (!prepareTemplate(a.positional[1], job)) return ExitTrouble;
-    std::vector<std::string> files(a.positional.begin() + 2, a.positional.end());
-    if (files.empty()) files.push_back("-");
-    bool trouble = false;
-    for (const std::string& f : files) {
-        Input in;
-        if (!in.open(f)) {
-            trouble = true;
-            continue;
-        }
-        if (!replaceInput(job, in)) trouble = true;
-    }
-    outFlush();
-    return trouble ? ExitTrouble : ExitSelected;
+    const std::vector<std::string> files(a.positional.begin() + 2, a.positional.end());
+    return forEachInput(files, [&](const Input& in) { return replaceInput(job, in); }) ? ExitSelected
+                                                                                       : ExitTrouble;
 }

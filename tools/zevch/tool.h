@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,7 @@ struct Arguments {
     std::string flags;                    // letters seen, in order
     std::vector<std::pair<std::string, std::string>> values;   // valued options, by name
     std::vector<std::string> longFlags;
+    int64_t limit = -1;                   // --limit N, or -1
     bool help = false;
     bool bad = false;
 
@@ -135,6 +137,22 @@ struct Arguments {
 };
 
 Arguments parseArguments(int argc, char** argv, const OptionTable& accepted, const char* command);
+
+// parseArguments, then --help (printed) and a bad option or --limit. False
+// when the command is to end at once, with its exit status in `status`.
+bool parseCommand(int argc, char** argv, const OptionTable& accepted, const char* command,
+                  const char* help, Arguments& a, int& status);
+
+// Opens each of `files` ("-" is standard input; none means standard input) and
+// runs `work` on it. False when a file could not be read or `work` said so;
+// the other files go on either way.
+bool forEachInput(std::vector<std::string> files, const std::function<bool(const Input&)>& work);
+
+// Calls `line` for each line of `in`, without its newline; `newline` tells
+// whether one followed. `line` returns false to stop. Shows progress.
+void forEachLine(const Input& in,
+                 const std::function<bool(const uint8_t* line, size_t length, bool newline,
+                                          int64_t number)>& line);
 
 // Parses a non-negative decimal number that fits int32.
 bool parseLimit(const std::string& text, int64_t& limit);
