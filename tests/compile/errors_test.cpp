@@ -104,6 +104,27 @@ TEST(Faults, OrderOfDetection) {
     EXPECT_EQ(o.errOffset, 0);
 }
 
+// The first pass must see exactly the real parentheses: those in classes,
+// escapes, quotes and extended-mode comments open nothing, and the capture
+// count it finds is the record's.
+TEST(Faults, ParenthesesHiddenFromTheFirstPass) {
+    struct Case { const char* pattern; const char* options; int32_t captureCount; };
+    for (const Case& c : {Case{"[(]", nullptr, 1}, Case{"\\(", nullptr, 1}, Case{"\\Q(\\E", nullptr, 1},
+                          Case{"[]()]", nullptr, 1}, Case{"[^]()]", nullptr, 1}, Case{"[[:alpha:](]", nullptr, 1},
+                          Case{"\\Q(", nullptr, 1}, Case{"#(\n()", "x", 2}, Case{"(?x)#(\n()", nullptr, 2},
+                          Case{"(?x:#()\n)#()", nullptr, 2}, Case{"(?-x)#()", "x", 2}, Case{"[\\Q(\\E](", nullptr, 0},
+                          Case{"(?#(()", nullptr, 1}, Case{"\\c(", nullptr, 1}, Case{"(?i:(?x)#(\n)(", nullptr, 0}}) {
+        Compiled r = compilePattern(c.pattern, c.options);
+        if (c.captureCount == 0) {
+            EXPECT_EQ(r.status, zevStatusRegExpBadSyntax) << c.pattern;
+            EXPECT_EQ(r.errOffset, static_cast<int32_t>(std::strlen(c.pattern))) << c.pattern;
+        } else {
+            ASSERT_EQ(r.status, zevStatusOk) << c.pattern;
+            EXPECT_EQ(r.state()->captureCount, c.captureCount) << c.pattern;
+        }
+    }
+}
+
 // Back-references: the number is checked against the capture total of the
 // whole pattern, so forward references are fine and missing ones fail.
 TEST(Faults, BackReferenceNumbers) {
