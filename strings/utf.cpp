@@ -10,7 +10,7 @@
 // dstLen hold what was consumed and what was produced.
 //
 // Runs of ASCII go a block at a time (SSE2 where the compiler offers it),
-// and well-formed two- and three-byte characters take a short cut.
+// and well-formed UTF-8 is decoded by table rather than by branches.
 #include <cstring>
 
 #include "core/core.h"
@@ -187,52 +187,69 @@ zevStatus convert(const From* src, uint32_t* srcLen, To* dst, uint32_t* dstLen, 
     return zevStatusOk;
 }
 
+// Shortest well-formed sequences of one to four bytes, decoded without a
+// branch on their length, indexed by that length (0: not such a first byte).
+struct Utf8Form {
+    uint32_t firstMask;  // code bits of the first byte
+    uint32_t shift0;     // place of those bits in the code
+    uint32_t mask1, shift1, mask2, shift2, mask3;  // following bytes' code bits and places
+    uint32_t contMask;   // top two bits of each following byte ...
+    uint32_t contWant;   // ... must read 10
+    uint32_t minCode;    // below this the form would be longer than needed
+};
+constexpr Utf8Form Utf8Forms[5] = {
+    {0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFFFFFFFF},
+    {0x7F, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+    {0x1F, 6, 0x3F, 0, 0, 0, 0, 0xC000, 0x8000, 0x80},
+    {0x0F, 12, 0x3F, 6, 0x3F, 0, 0, 0xC0C000, 0x808000, 0x800},
+    {0x07, 18, 0x3F, 12, 0x3F, 6, 0x3F, 0xC0C0C000, 0x80808000, 0x10000},
+};
+// Length of the form that a first byte announces, by its top five bits.
+constexpr uint8_t Utf8Length[32] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1,
+                                    0, 0, 0, 0, 0, 0, 0, 0, 2, 2, 2, 2, 3, 3, 4, 0};
+
 // One UTF-8 character (or one malformed byte) to one or two units.
+//
+// Away from the ends (4 source bytes, 3 units of room) a well-formed
+// character is decoded by table and written as two units, the second one
+// counted only for a pair: the branches on the character's length and on
+// pair or not are what costs most on mixed text. The spare unit is always
+// overwritten by the next character, for which room remains.
 bool pass8to16(Cursor<uint8_t, uint16_t>& c) {
     const uint8_t* s = c.s;
-    const uint8_t b = s[0];
-    if (b < 0x80) {
+    if (c.left >= 4 && c.room >= 3) {
+        const uint32_t w = s[0] | static_cast<uint32_t>(s[1]) << 8 | static_cast<uint32_t>(s[2]) << 16 |
+                           static_cast<uint32_t>(s[3]) << 24;
+        if ((w & 0x80808080u) == 0) {
+            asciiRun(c, AsciiBlock, widenAscii);
+            return true;
+        }
+        const uint32_t len = Utf8Length[(w & 0xFF) >> 3];
+        const Utf8Form& f = Utf8Forms[len];
+        const uint32_t code = (w & f.firstMask) << f.shift0 | ((w >> 8) & f.mask1) << f.shift1 |
+                              ((w >> 16) & f.mask2) << f.shift2 | ((w >> 24) & f.mask3);
+        if ((w & f.contMask) == f.contWant && code >= f.minCode) {
+            const uint32_t v = code - 0x10000;  // for a pair; bits above 20 are dropped
+            const uint32_t pair = code > 0xFFFF;
+            put(c.d, pair ? 0xD800 | ((v >> 10) & 0x3FF) : code, c.swap);
+            put(c.d + 1, 0xDC00 | (v & 0x3FF), c.swap);
+            c.step(len, 1 + pair);
+            return true;
+        }
+    }
+    if (s[0] < 0x80) {
         asciiRun(c, AsciiBlock, widenAscii);
         return true;
     }
-    // Well-formed two-, three- and four-byte forms, most of non-ASCII text,
-    // take a short cut chosen by the top bits of the first byte (one jump
-    // rather than a chain of tests); all else goes through the full decoder.
-    uint32_t code = 0;
-    size_t used = 0;
-    switch (b >> 4) {
-        case 0xC:
-        case 0xD:
-            if (b >= 0xC2 && c.left >= 2 && (s[1] & 0xC0) == 0x80) {
-                code = static_cast<uint32_t>(b & 0x1F) << 6 | (s[1] & 0x3F);
-                used = 2;
-            }
-            break;
-        case 0xE:
-            if (c.left >= 3 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 && (b != 0xE0 || s[1] >= 0xA0)) {
-                code = static_cast<uint32_t>(b & 0x0F) << 12 | static_cast<uint32_t>(s[1] & 0x3F) << 6 | (s[2] & 0x3F);
-                used = 3;
-            }
-            break;
-        case 0xF:
-            if (b < 0xF8 && c.left >= 4 && (s[1] & 0xC0) == 0x80 && (s[2] & 0xC0) == 0x80 &&
-                (s[3] & 0xC0) == 0x80 && (b != 0xF0 || s[1] >= 0x90)) {
-                code = static_cast<uint32_t>(b & 0x07) << 18 | static_cast<uint32_t>(s[1] & 0x3F) << 12 |
-                       static_cast<uint32_t>(s[2] & 0x3F) << 6 | (s[3] & 0x3F);
-                used = 4;
-            }
-            break;
-        default:
-            break;
-    }
-    if (used == 0) used = decodeUtf8(s, c.left, &code);
+    uint32_t code;
+    const size_t used = decodeUtf8(s, c.left, &code);
     if (code <= 0xFFFF) {
         put(c.d, code, c.swap);
         c.step(used, 1);
         return true;
     }
     if (c.room < 2) return false;  // the pair does not fit; the sequence stays unread
-    const uint32_t v = code - 0x10000;  // bits above 20 are dropped
+    const uint32_t v = code - 0x10000;
     put(c.d, 0xD800 | ((v >> 10) & 0x3FF), c.swap);
     put(c.d + 1, 0xDC00 | (v & 0x3FF), c.swap);
     c.step(used, 2);
@@ -242,6 +259,32 @@ bool pass8to16(Cursor<uint8_t, uint16_t>& c) {
 // One unit (or a surrogate pair) to a UTF-8 sequence, written only whole.
 bool pass16to8(Cursor<uint16_t, uint8_t>& c) {
     const uint16_t u = swapIf(c.s[0], c.swap);
+    if (c.left >= 4 && c.room >= 16) {
+        // Away from the ends the sequence is built without branches as four
+        // bytes, of which the first k + 1 count. The spare bytes are always
+        // overwritten: the three or more units behind this one make at least
+        // a byte each, and the room left holds them.
+        const uint16_t next = swapIf(c.s[1], c.swap);
+        if ((u | next | swapIf(c.s[2], c.swap) | swapIf(c.s[3], c.swap)) < 0x80) {
+            asciiRun(c, 8, narrowAscii);
+            return true;
+        }
+        const uint32_t pair = (u & 0xFC00) == 0xD800 && (next & 0xFC00) == 0xDC00;
+        const uint32_t code = pair ? ((static_cast<uint32_t>(u & 0x3FF) << 10) | (next & 0x3FF)) + 0x10000 : u;
+        const uint32_t k = (code >= 0x80) + (code >= 0x800) + pair;  // continuation bytes
+        // Continuation bytes of a four-byte form in bytes 1..3, shifted so
+        // that the last k of them stand in bytes 1..k.
+        const uint32_t cont = (0x80u | ((code >> 12) & 0x3F)) << 8 | (0x80u | ((code >> 6) & 0x3F)) << 16 |
+                              (0x80u | (code & 0x3F)) << 24;
+        const uint32_t w = (UtfClasses[k].mark | code >> (6 * k)) | ((cont >> (8 * (3 - k))) & 0xFFFFFF00u);
+        uint8_t* d = c.d;
+        d[0] = static_cast<uint8_t>(w);
+        d[1] = static_cast<uint8_t>(w >> 8);
+        d[2] = static_cast<uint8_t>(w >> 16);
+        d[3] = static_cast<uint8_t>(w >> 24);
+        c.step(1 + pair, k + 1);
+        return true;
+    }
     if (u < 0x80) {
         asciiRun(c, 8, narrowAscii);
         return true;

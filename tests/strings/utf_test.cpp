@@ -107,11 +107,14 @@ Result16to8 model16to8(const Units& src, uint32_t room, bool big) {
 template <typename To, typename From, typename Fn>
 std::pair<std::vector<To>, uint32_t> run(Fn convert, const std::vector<From>& src, uint32_t room, bool big) {
     std::vector<From> s = src;
-    std::vector<To> d(room);
+    const To unused = static_cast<To>(0xA5A5);
+    std::vector<To> d(room, unused);
     uint32_t sl = static_cast<uint32_t>(s.size()), dl = room;
     const From noSource = 0;
     To noRoom = 0;
     EXPECT_EQ(convert(s.empty() ? &noSource : s.data(), &sl, room ? d.data() : &noRoom, &dl, big ? 1 : 0), zevStatusOk);
+    // Nothing is written behind what the call reports as produced.
+    for (uint32_t i = dl; i < room; ++i) EXPECT_EQ(d[i], unused) << "written at " << i << " of " << room;
     d.resize(dl);
     return {d, sl};
 }
