@@ -27,6 +27,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "regexp/match/char_predicates.h"
 #include "regexp/match/match_internal.h"
 #include "regexp/match/stack_guard.h"
 
@@ -121,16 +122,21 @@ inline void scanByTaking(Items& items, const uint8_t* p, int32_t remaining, int3
 // ---------------------------------------------------------------------------
 // The continuation, and the shortcuts that may stand in for a run of it.
 //
-// With fastPaths on, a continuation that starts with a plain NodeChar (not
-// itself repeated), a NodeString, or a NodeClass that must take a character
-// is decided here where it would fail at its first node: the interpreter
-// would return 1 at once for a negative budget or remaining, and otherwise
-// spend one unit on that node and fail. The same is done here, and the
-// interpreter is entered only where the first node can match.
+// With fastPaths on, a continuation whose first node can be judged by the
+// byte at the place is decided here where that node would fail at once:
+//   - a NodeChar, alone or repeated with a minimum of at least 1;
+//   - a NodeString (its length and first byte);
+//   - a NodeCharType, alone or repeated with a minimum of at least 1;
+//   - a NodeClass that must take a character.
+// The interpreter would return 1 at once for a negative budget or remaining;
+// otherwise it would spend one unit on that node, and its matcher would fail
+// without running anything further. The same is done here, and the
+// interpreter is entered only where the first node may match.
 
 enum ContinuationShortcut : int32_t {
     ShortcutNone,
     ShortcutLiteral,   // first byte compared, `need` bytes required
+    ShortcutType,      // predicate of `letter` on the first byte, `need` bytes required
     ShortcutClass,     // one character of the class required
 };
 
@@ -138,7 +144,7 @@ struct Continuation {
     int32_t node;
     int32_t shortcut;
     int32_t need;
-    uint8_t byte;
+    uint8_t byte;     // ShortcutLiteral: the first byte; ShortcutType: the letter
 };
 
 inline Continuation makeContinuation(const MatchContext* ctx, int32_t node) {
@@ -147,19 +153,17 @@ inline Continuation makeContinuation(const MatchContext* ctx, int32_t node) {
         return c;
     }
     const RegExpNode& first = ctx->nodes[node];
-    if (first.kind == NodeChar) {
-        bool repeated = ctx->endNode - node >= 2 && isRepeatKind(ctx->nodes[node + 1].kind);
-        if (!repeated) {
-            c.shortcut = ShortcutLiteral;
-            c.need = 1;
-            c.byte = static_cast<uint8_t>(first.word1);
-        }
+    const RegExpNode* repeat =
+        ctx->endNode - node >= 2 && isRepeatKind(ctx->nodes[node + 1].kind) ? &ctx->nodes[node + 1] : nullptr;
+    // A repeat with a minimum of 0 can match without the byte.
+    const int32_t need = repeat == nullptr ? 1 : repeat->word1;
+    if (first.kind == NodeChar && need >= 1) {
+        c = Continuation{node, ShortcutLiteral, need, static_cast<uint8_t>(first.word1)};
+    } else if (first.kind == NodeCharType && need >= 1) {
+        c = Continuation{node, ShortcutType, need, static_cast<uint8_t>(first.word1)};
     } else if (first.kind == NodeString && first.word2 >= 1) {
-        c.shortcut = ShortcutLiteral;
-        c.need = first.word2;
-        c.byte = ownNodeStringBytes(ctx->state, first)[0];
+        c = Continuation{node, ShortcutLiteral, first.word2, ownNodeStringBytes(ctx->state, first)[0]};
     } else if (first.kind == NodeClass) {
-        // A class repeat with a minimum of 0 can match without a character.
         int32_t behind = node + first.word2 + 1;
         bool repeated = behind < ctx->endNode && isRepeatKind(ctx->nodes[behind].kind);
         if (!repeated || ctx->nodes[behind].word1 >= 1) {
@@ -191,9 +195,14 @@ inline int32_t runContinuation(const Continuation& c, const uint8_t* q, int32_t 
         if (ctx->budget < 0 || rem < 0) {
             return 1;
         }
-        bool fails = c.shortcut == ShortcutLiteral
-                         ? rem < c.need || !literalByteMatches(c, q[0], ctx->flags)
-                         : rem == 0 || ownCheckClass(q, ownBytesToEnd(ctx, q), ctx, c.node) < 0;
+        bool fails;
+        if (c.shortcut == ShortcutLiteral) {
+            fails = rem < c.need || !literalByteMatches(c, q[0], ctx->flags);
+        } else if (c.shortcut == ShortcutType) {
+            fails = rem < c.need || testByteOf(selectPredicate(c.byte, ctx->flags & OptionDotAll), q[0]) < 0;
+        } else {
+            fails = rem == 0 || ownCheckClass(q, ownBytesToEnd(ctx, q), ctx, c.node) < 0;
+        }
         if (fails) {
             ctx->budget -= 1;
             return 1;
