@@ -15,10 +15,12 @@
 // plain walk; tests/match/fast_path_test.cpp compares the two.
 //
 // Tested by tests/match/search_test.cpp and fast_path_test.cpp.
+#include <algorithm>
 #include <cstring>
 
 #include "regexp/match/match_internal.h"
 #include "regexp/match/stack_guard.h"
+#include "regexp/unicode/utf8_inline.h"
 
 namespace {
 
@@ -47,7 +49,25 @@ struct SkipPlan {
     bool byByte;           // cost[] holds at least one known cost
     bool lineStart;        // the pattern is one branch led by the line-start anchor
     int32_t candidate;     // the only byte of unknown cost, or -1
+    int32_t uniform;       // the cost every byte of known cost has, or 0
     uint8_t cost[256];
+};
+
+// A pattern led by a greedy, unbounded repeat of one item (byte, character
+// type or class) whose continuation turns down, at its first node, every
+// character the item takes. An attempt at a place p then takes the run of
+// items from p to its end E, runs the continuation at E (cost u(E), the same
+// from every p of the run, as the record's flags never change and nothing
+// that run reads depends on where the attempt began), and then at each
+// earlier item boundary down to the minimum, where the continuation fails at
+// once at a known cost. After one real attempt at the head of a run, the
+// attempts at the later places of the run are charged without being made.
+struct RunPlan {
+    bool usable;
+    int32_t min;           // the repeat's minimum
+    int32_t next;          // first node of the continuation
+    int8_t takes[256];     // itemTakes for the byte, -1 undecided
+    uint8_t contCost[256]; // failCost of the continuation for the byte
 };
 
 struct Search {
@@ -55,6 +75,7 @@ struct Search {
     const RegExpState* state;
     int32_t anchorMode;
     SkipPlan plan;
+    RunPlan run;
 };
 
 inline uint8_t upperAscii(uint8_t c) {
@@ -155,13 +176,32 @@ inline const RegExpNode* repeatAt(const RegExpState* state, int32_t t) {
     return (n->kind == NodeRepeat || n->kind == NodeRepeatLazy) ? n : nullptr;
 }
 
-// A class whose every item looks at the first byte only (literal bytes and
-// character types) decides every byte value; others decide ASCII alone.
-bool classDecidesByFirstByte(const RegExpState* state, int32_t head) {
+// Whether a class answers alike for every character whose first byte is b,
+// for b from 0x80 up, so that a lone byte b can stand for all of them. Items
+// that look at the first byte only (literal bytes, character types) do; so
+// do ranges and code points below 0x80 without case folding, which turn down
+// every such character (folding could map one onto ASCII, as the Kelvin sign
+// onto k). Properties, blocks, scripts and higher codes do not.
+bool classDecidesByFirstByte(const RegExpState* state, int32_t head, uint32_t flags) {
+    const bool ignoreCase = (flags & OptionIgnoreCase) != 0;
     const int32_t items = state->nodes[head].word2;
     for (int32_t i = head + 1; i <= head + items; ++i) {
-        const uint32_t kind = state->nodes[i].kind;
-        if (kind != NodeChar && kind != NodeCharType) {
+        const RegExpNode& item = state->nodes[i];
+        switch (item.kind) {
+        case NodeChar:
+        case NodeCharType:
+            break;
+        case NodeRange:
+            if (ignoreCase || item.word2 >= 0x80) {
+                return false;
+            }
+            break;
+        case NodeWideChar:
+            if (ignoreCase || item.word1 < 1 || item.word1 >= 0x80) {
+                return false;
+            }
+            break;
+        default:
             return false;
         }
     }
@@ -209,44 +249,25 @@ int32_t groupFailCost(Search* s, int32_t head, uint32_t flags, uint8_t b, int32_
     return total > CostCap ? 0 : total;
 }
 
-int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth) {
+// Whether the single item at `at` (NodeChar, NodeCharType or NodeClass) takes
+// a character whose first byte is b: 1 yes, 0 no, -1 not decided by b alone
+// (a class with code-point items, for a byte from 0x80 up).
+int32_t itemTakes(Search* s, int32_t at, uint32_t flags, uint8_t b) {
     const RegExpState* state = s->state;
-    if (at >= state->nodeCount || depth > 32) {
-        return 0;
-    }
     const RegExpNode& node = state->nodes[at];
-    const bool ignoreCase = (flags & OptionIgnoreCase) != 0;
     switch (node.kind) {
     case NodeChar: {
-        const RegExpNode* rep = repeatAt(state, at + 1);
-        if (rep != nullptr && rep->word1 < 1) {
-            return 0;
-        }
         const uint8_t c = static_cast<uint8_t>(node.word1);
-        const bool same = ignoreCase ? ownEqualIgnoreAsciiCase(b, c) : b == c;
-        return same ? 0 : 1;
-    }
-    case NodeString: {
-        const uint8_t c = ownNodeStringBytes(state, node)[0];
-        const bool same = ignoreCase ? ownEqualIgnoreAsciiCase(b, c) : b == c;
-        return same ? 0 : 1;
+        return ((flags & OptionIgnoreCase) ? ownEqualIgnoreAsciiCase(b, c) : b == c) ? 1 : 0;
     }
     case NodeCharType: {
-        const RegExpNode* rep = repeatAt(state, at + 1);
-        if (rep != nullptr && rep->word1 < 1) {
-            return 0;
-        }
         // The predicates judge the first byte of the character alone.
         const uint32_t letter = static_cast<uint32_t>(node.word1) & 0xFF;
-        return ownGetCharPredicateByValue(letter, flags & OptionDotAll)(b) < 0 ? 1 : 0;
+        return ownGetCharPredicateByValue(letter, flags & OptionDotAll)(b) < 0 ? 0 : 1;
     }
     case NodeClass: {
-        const RegExpNode* rep = repeatAt(state, at + node.word2 + 1);
-        if (rep != nullptr && rep->word1 < 1) {
-            return 0;
-        }
-        if (b >= 0x80 && !classDecidesByFirstByte(state, at)) {
-            return 0;
+        if (b >= 0x80 && !classDecidesByFirstByte(state, at, flags)) {
+            return -1;
         }
         // One byte on its own is a whole character for such a class.
         const uint8_t one[1] = {b};
@@ -254,7 +275,42 @@ int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth
         probe.flags = flags;
         probe.subject = one;
         probe.subjectLength = 1;
-        return ownCheckClass(one, 1, &probe, at) < 0 ? 1 : 0;
+        return ownCheckClass(one, 1, &probe, at) < 0 ? 0 : 1;
+    }
+    default:
+        return -1;
+    }
+}
+
+int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth) {
+    const RegExpState* state = s->state;
+    if (at >= state->nodeCount || depth > 32) {
+        return 0;
+    }
+    const RegExpNode& node = state->nodes[at];
+    switch (node.kind) {
+    case NodeString: {
+        const uint8_t c = ownNodeStringBytes(state, node)[0];
+        const bool same = (flags & OptionIgnoreCase) ? ownEqualIgnoreAsciiCase(b, c) : b == c;
+        return same ? 0 : 1;
+    }
+    case NodeChar:
+    case NodeCharType:
+    case NodeClass: {
+        if (itemTakes(s, at, flags, b) != 0) {
+            return 0;
+        }
+        const int32_t behind = node.kind == NodeClass ? at + node.word2 + 1 : at + 1;
+        const RegExpNode* rep = repeatAt(state, behind);
+        if (rep == nullptr || rep->word1 >= 1) {
+            return 1;   // must take a character, and cannot
+        }
+        if (rep->kind != NodeRepeat) {
+            return 0;   // lazy loops may look ahead before running what follows
+        }
+        // A greedy optional item that takes nothing runs what follows at once.
+        const int32_t rest = failCost(s, behind + 1, flags, b, depth + 1);
+        return rest == 0 ? 0 : 1 + rest;
     }
     case NodeGroup:
     case NodeCapture:
@@ -324,6 +380,53 @@ void buildSkipPlan(Search* s) {
     if (unknown != 1) {
         plan.candidate = -1;
     }
+    plan.uniform = 0;
+    for (int32_t b = 0; b < 256; ++b) {
+        if (plan.cost[b] != CostUnknown) {
+            if (plan.uniform != 0 && plan.uniform != plan.cost[b]) {
+                plan.uniform = 0;
+                break;
+            }
+            plan.uniform = plan.cost[b];
+        }
+    }
+}
+
+void buildRunPlan(Search* s) {
+    const RegExpState* state = s->state;
+    RunPlan& run = s->run;
+    run.usable = false;
+    if (s->anchorMode != AnchorNone || state->nodeCount < 3) {
+        return;
+    }
+    for (int32_t i = 0; i < state->nodeCount; ++i) {
+        const uint32_t kind = state->nodes[i].kind;
+        if ((kind == NodeAlternate && state->nodes[i].word1 == 0) || kind == NodeSetOptions ||
+            kind == NodeOptionGroup) {
+            return;   // several top-level branches, or flags that can change
+        }
+    }
+    const RegExpNode& first = state->nodes[0];
+    if (first.kind != NodeChar && first.kind != NodeCharType && first.kind != NodeClass) {
+        return;
+    }
+    const int32_t behind = first.kind == NodeClass ? first.word2 + 1 : 1;
+    const RegExpNode* rep = repeatAt(state, behind);
+    if (rep == nullptr || rep->kind != NodeRepeat || rep->word2 != RepeatUnbounded ||
+        behind + 1 >= state->nodeCount) {
+        return;
+    }
+    if (first.kind == NodeChar && static_cast<uint8_t>(first.word1) >= 0x80 && s->ctx.format == 1) {
+        return;   // a byte item would not step as the places do
+    }
+    run.min = rep->word1;
+    run.next = behind + 1;
+    for (int32_t b = 0; b < 256; ++b) {
+        run.takes[b] = static_cast<int8_t>(itemTakes(s, 0, state->options, static_cast<uint8_t>(b)));
+        const int32_t cost = failCost(s, run.next, state->options, static_cast<uint8_t>(b), 0);
+        run.contCost[b] = static_cast<uint8_t>(cost > CostCap ? 0 : cost);
+    }
+    run.usable = true;
 }
 
 // ---------------------------------------------------------------------------
@@ -363,7 +466,7 @@ inline int32_t placeStep(const Search* s, const uint8_t* p) {
     if (s->ctx.format != 1) {
         return 1;
     }
-    return ownUtf8Length(p, ownBytesToEnd(&s->ctx, p));
+    return ownUtf8LengthInline(p, ownBytesToEnd(&s->ctx, p));
 }
 
 // Walks the places from `from` as the scan steps over them, up to the first
@@ -439,6 +542,26 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
         *p = to;
         return *remaining >= 0;
     }
+    if (plan.uniform != 0) {
+        // One cost for all: find the next byte of unknown cost, then count
+        // the places on the way (bytes, unless some were not ASCII).
+        const uint8_t* to = q;
+        uint32_t seen = 0;
+        while (to < end && plan.cost[*to] != CostUnknown) {
+            seen |= *to;
+            ++to;
+        }
+        int64_t places = to - q;
+        if (ctx->format == 1 && (seen & 0x80) != 0) {
+            to = walkPlaces(s, q, to, &places);
+        }
+        if (!charge(ctx, places * plan.uniform)) {
+            return false;
+        }
+        *remaining -= static_cast<int32_t>(to - q);
+        *p = to;
+        return *remaining >= 0;
+    }
     while (q < end) {
         const uint8_t c = plan.cost[*q];
         if (c == CostUnknown) {
@@ -457,17 +580,137 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
     return *remaining >= 0;
 }
 
+// The run of the leading repeat that the places of a scan are walking
+// through (see RunPlan): the next place of the run, and what an attempt
+// there costs.
+struct RunState {
+    const uint8_t* place;   // next place of the run; null when there is none
+    const uint8_t* end;     // E, where the run of items ends
+    const uint8_t* ahead;   // the boundary `min` items behind place; null: fewer items left
+    int64_t endCost;        // u(E): units of the continuation at E
+    int64_t sum;            // continuation costs at the boundaries from ahead up to E
+};
+
+// Bytes of the item the leading repeat takes at q, or -1 when it takes none.
+int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
+    if (q >= areaEnd || ownBytesToEnd(&s->ctx, q) <= 0) {
+        return -1;
+    }
+    const uint8_t b = *q;
+    int32_t takes = s->run.takes[b];
+    if (takes < 0) {
+        s->ctx.flags = s->state->options;
+        takes = ownCheckClass(q, ownBytesToEnd(&s->ctx, q), &s->ctx, 0) < 0 ? 0 : 1;
+    }
+    if (takes == 0) {
+        return -1;
+    }
+    if (b < 0x80 || s->state->nodes[0].kind == NodeChar) {
+        return 1;
+    }
+    return ownUtf8LengthInline(q, ownBytesToEnd(&s->ctx, q));
+}
+
+// After a real attempt at p that failed having spent `spent` units: walks the
+// run of items from p and sets rs up for the places behind p, or clears it.
+void learnRun(Search* s, const uint8_t* p, const uint8_t* areaEnd, int64_t spent, RunState* rs) {
+    const RunPlan& run = s->run;
+    rs->place = nullptr;
+    const int32_t firstSize = runItemSize(s, p, areaEnd);
+    if (firstSize < 0 || firstSize != placeStep(s, p)) {
+        return;
+    }
+    const uint8_t* x = p;
+    const uint8_t* atMin = nullptr;     // boundary `min` items behind p
+    const uint8_t* behindMin = nullptr; // the one after it
+    int64_t total = 0;
+    int32_t j = 0;
+    for (int32_t size = firstSize; size > 0; size = runItemSize(s, x, areaEnd), ++j) {
+        if (j >= run.min) {
+            const uint8_t f = run.contCost[*x];
+            if (f == 0) {
+                return;   // the continuation might get further here
+            }
+            total += f;
+            if (j == run.min) {
+                atMin = x;
+            } else if (j == run.min + 1) {
+                behindMin = x;
+            }
+        }
+        x += size;
+    }
+    rs->end = x;
+    if (j < run.min) {
+        if (spent != 1) {
+            return;
+        }
+        rs->ahead = nullptr;
+        rs->endCost = 0;
+        rs->sum = 0;
+    } else {
+        rs->endCost = spent - 1 - total;
+        if (rs->endCost < 0) {
+            return;
+        }
+        if (j == run.min) {
+            rs->ahead = nullptr;   // from the next place on, fewer than min items
+            rs->sum = 0;
+        } else {
+            rs->ahead = behindMin != nullptr ? behindMin : x;
+            rs->sum = total - run.contCost[*atMin];
+        }
+    }
+    rs->place = p + firstSize;
+}
+
+// Charges the attempt at rs->place without making it and moves rs to the
+// next place. false: the budget is too small to be sure; make the attempt.
+bool replayRunPlace(Search* s, RunState* rs, const uint8_t** p, int32_t* remaining, const uint8_t* areaEnd) {
+    MatchContext* ctx = &s->ctx;
+    const int64_t cost = 1 + (rs->ahead != nullptr ? rs->endCost + rs->sum : 0);
+    if (cost > ctx->budget) {
+        rs->place = nullptr;
+        return false;
+    }
+    ctx->budget -= static_cast<int32_t>(cost);
+    if (rs->ahead != nullptr) {
+        if (rs->ahead < rs->end) {
+            rs->sum -= s->run.contCost[*rs->ahead];
+            rs->ahead += runItemSize(s, rs->ahead, areaEnd);
+        } else {
+            rs->ahead = nullptr;
+        }
+    }
+    const int32_t size = runItemSize(s, *p, areaEnd);
+    const int32_t step = placeStep(s, *p);
+    *p += step;
+    *remaining -= step;
+    rs->place = step == size && *p < rs->end ? *p : nullptr;
+    return true;
+}
+
 // The scan from p: attempts at successive places as the anchor mode allows.
 // 0: matched (capture record 0 holds the match).
 int32_t scan(const uint8_t* p, int32_t remaining, Search* s) {
+    const bool runs = s->run.usable && s->ctx.rejectEmpty == 0 && s->anchorMode == AnchorNone;
+    const uint8_t* areaEnd = p + remaining;
+    RunState rs = {nullptr, nullptr, nullptr, 0, 0};
     for (;;) {
         if (s->plan.byByte || s->plan.lineStart) {
             if (!skipPlaces(s, &p, &remaining)) {
                 return 1;
             }
         }
+        if (runs && rs.place == p && replayRunPlace(s, &rs, &p, &remaining, areaEnd)) {
+            continue;
+        }
+        const int32_t before = s->ctx.budget;
         if (attempt(p, remaining, s) == 0) {
             return 0;
+        }
+        if (runs && s->ctx.budget >= 0) {
+            learnRun(s, p, areaEnd, static_cast<int64_t>(before) - s->ctx.budget, &rs);
         }
         const uint8_t* stepped = p;
         const int32_t areaLeft = remaining;
@@ -609,8 +852,10 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     s.anchorMode = anchorModeOf(state);
     s.plan.byByte = false;
     s.plan.lineStart = false;
+    s.run.usable = false;
     if (fastPaths != 0 && searchLen >= SkipPlanMinLength) {
         buildSkipPlan(&s);
+        buildRunPlan(&s);
     }
 
     const zevStatus status = (state->options & OptionGlobal)
