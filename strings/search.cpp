@@ -89,21 +89,17 @@ int32_t scanRevNeedle(const T* src, int32_t srcLen, const T* needle, int32_t nee
     int32_t limit = srcLen - needleLen;  // candidates 0..limit
 #if defined(__SSE2__)
     if constexpr (sizeof(T) == 1) {
-        if (needleLen >= 2) {
-            // Sixteen candidates at a time, highest first: a candidate needs
-            // both the needle's first and last byte in place before the
-            // whole needle is compared.
-            const __m128i first = _mm_set1_epi8(static_cast<char>(needle[0]));
-            const __m128i last = _mm_set1_epi8(static_cast<char>(needle[needleLen - 1]));
-            for (; limit >= 15; limit -= 16) {
-                const T* block = src + limit - 15;
-                unsigned mask = candidates16(block, needleLen, first, last);
-                while (mask != 0) {
-                    const int bit = 31 - __builtin_clz(mask);
-                    if (std::memcmp(block + bit + 1, needle + 1, tailBytes) == 0)
-                        return static_cast<int32_t>(block + bit - src);
-                    mask &= ~(1u << bit);
-                }
+        if (needleLen == 1) return scanRevC(src, srcLen, needle[0]);
+        // Sixteen candidates at a time, highest first.
+        const __m128i firstByte = _mm_set1_epi8(static_cast<char>(needle[0]));
+        const __m128i lastByte = _mm_set1_epi8(static_cast<char>(needle[needleLen - 1]));
+        for (; limit >= 15; limit -= 16) {
+            const T* block = src + limit - 15;
+            for (unsigned mask = candidates16(block, needleLen, firstByte, lastByte); mask != 0;) {
+                const int bit = 31 - __builtin_clz(mask);
+                if (std::memcmp(block + bit + 1, needle + 1, tailBytes) == 0)
+                    return static_cast<int32_t>(block + bit - src);
+                mask &= ~(1u << bit);
             }
         }
     }
