@@ -6,7 +6,7 @@
 // bytes into the record. The list is complete: no first-character set, no
 // minimal length, no literal prefix.
 //
-// Tested by tests/compile/analysis_test.cpp.
+// Tested by tests/compile/analysis_test.cpp and golden_test.cpp (golden.txt).
 #include <cstring>
 
 #include "core/core.h"

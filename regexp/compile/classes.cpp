@@ -8,7 +8,8 @@
 // its high end. A positive class of a single character or character type is
 // replaced by that item.
 //
-// Tested by tests/compile/classes_test.cpp.
+// Tested by tests/compile/golden_test.cpp (golden.txt) and errors_test.cpp
+// (faults.txt).
 #include <cstring>
 
 #include "regexp/compile/compile_internal.h"

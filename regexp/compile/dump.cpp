@@ -1,7 +1,7 @@
 // regexp/compile/dump.cpp - a printable form of a compiled record.
 //
 // Tested by tests/compile/golden_test.cpp, which pins the compiler with
-// {pattern, options, expected dump} tables.
+// {pattern, options, expected dump} cases in golden.txt.
 #include "regexp/compile/dump.h"
 
 #include <cstdarg>

@@ -9,7 +9,8 @@
 // are always above the depth of any group around them), and these temporary
 // words are replaced by the id and the span.
 //
-// Tested by tests/compile/groups_test.cpp and tests/compile/golden_test.cpp.
+// Tested by tests/compile/golden_test.cpp (golden.txt), errors_test.cpp
+// (faults.txt) and limits_test.cpp.
 #include "regexp/compile/compile_internal.h"
 
 namespace {

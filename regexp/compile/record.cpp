@@ -7,7 +7,7 @@
 // literal bytes. No construct yields more nodes than it has bytes; the one
 // extra node is the implicit anchor.
 //
-// Tested by tests/compile/record_test.cpp.
+// Tested by tests/compile/record_test.cpp and limits_test.cpp.
 #include <cstddef>
 #include <cstring>
 

@@ -8,7 +8,8 @@
 // here; bracket classes are in classes.cpp, the bytes of structure in
 // groups.cpp.
 //
-// Tested by tests/compile/atoms_test.cpp and tests/compile/golden_test.cpp.
+// Tested by tests/compile/golden_test.cpp (golden.txt) and errors_test.cpp
+// (faults.txt).
 #include "regexp/compile/compile_internal.h"
 
 RegExpNode* ownNewNode(CompileState* cs, uint32_t kind, int32_t word1, int32_t word2, int32_t word3) {

@@ -9,7 +9,7 @@
 // \Q...\E, bracket classes, (?#...) and, in extended mode, # comments. It
 // checks nothing else; all other faults belong to the translation pass.
 //
-// Tested by tests/compile/validate_test.cpp.
+// Tested by tests/compile/errors_test.cpp (faults.txt) and limits_test.cpp.
 #include "regexp/compile/compile_internal.h"
 
 namespace {
