@@ -94,4 +94,31 @@ inline constexpr int32_t testByteOf(PredicateKind kind, uint32_t c) {
     return testByte<PredicateNone>(c);
 }
 
+// Each predicate as a set of 256 bits, for callers that pick the predicate
+// at run time and test many bytes with it.
+struct PredicateByteSet {
+    uint64_t bits[4];
+    bool has(uint8_t c) const { return ((bits[c >> 6] >> (c & 63)) & 1) != 0; }
+};
+
+inline constexpr PredicateByteSet predicateByteSet(PredicateKind kind) {
+    PredicateByteSet set{{0, 0, 0, 0}};
+    for (uint32_t c = 0; c < 256; ++c) {
+        if (testByteOf(kind, c) >= 0) {
+            set.bits[c >> 6] |= 1ull << (c & 63);
+        }
+    }
+    return set;
+}
+
+inline constexpr PredicateByteSet PredicateByteSets[] = {
+    predicateByteSet(PredicateDigit),      predicateByteSet(PredicateNotDigit),
+    predicateByteSet(PredicateWord),       predicateByteSet(PredicateNotWord),
+    predicateByteSet(PredicateSpace),      predicateByteSet(PredicateNotSpace),
+    predicateByteSet(PredicateNotNewline), predicateByteSet(PredicateAny),
+    predicateByteSet(PredicateNone),
+};
+static_assert(sizeof PredicateByteSets / sizeof *PredicateByteSets == PredicateNone + 1,
+              "one set per predicate kind");
+
 }  // namespace zevch_match

@@ -144,11 +144,12 @@ struct Continuation {
     int32_t node;
     int32_t shortcut;
     int32_t need;
-    uint8_t byte;     // ShortcutLiteral: the first byte; ShortcutType: the letter
+    uint8_t byte;     // ShortcutLiteral: the first byte
+    const PredicateByteSet* types[2];   // ShortcutType: the predicate without and with dot-all
 };
 
 inline Continuation makeContinuation(const MatchContext* ctx, int32_t node) {
-    Continuation c{node, ShortcutNone, 0, 0};
+    Continuation c{node, ShortcutNone, 0, 0, {nullptr, nullptr}};
     if (ctx->fastPaths == 0 || node >= ctx->endNode) {
         return c;
     }
@@ -158,11 +159,19 @@ inline Continuation makeContinuation(const MatchContext* ctx, int32_t node) {
     // A repeat with a minimum of 0 can match without the byte.
     const int32_t need = repeat == nullptr ? 1 : repeat->word1;
     if (first.kind == NodeChar && need >= 1) {
-        c = Continuation{node, ShortcutLiteral, need, static_cast<uint8_t>(first.word1)};
+        c.shortcut = ShortcutLiteral;
+        c.need = need;
+        c.byte = static_cast<uint8_t>(first.word1);
     } else if (first.kind == NodeCharType && need >= 1) {
-        c = Continuation{node, ShortcutType, need, static_cast<uint8_t>(first.word1)};
+        uint32_t letter = static_cast<uint32_t>(first.word1) & 0xFF;
+        c.shortcut = ShortcutType;
+        c.need = need;
+        c.types[0] = &PredicateByteSets[selectPredicate(letter, 0)];
+        c.types[1] = &PredicateByteSets[selectPredicate(letter, 1)];
     } else if (first.kind == NodeString && first.word2 >= 1) {
-        c = Continuation{node, ShortcutLiteral, first.word2, ownNodeStringBytes(ctx->state, first)[0]};
+        c.shortcut = ShortcutLiteral;
+        c.need = first.word2;
+        c.byte = ownNodeStringBytes(ctx->state, first)[0];
     } else if (first.kind == NodeClass) {
         int32_t behind = node + first.word2 + 1;
         bool repeated = behind < ctx->endNode && isRepeatKind(ctx->nodes[behind].kind);
@@ -199,7 +208,7 @@ inline int32_t runContinuation(const Continuation& c, const uint8_t* q, int32_t 
         if (c.shortcut == ShortcutLiteral) {
             fails = rem < c.need || !literalByteMatches(c, q[0], ctx->flags);
         } else if (c.shortcut == ShortcutType) {
-            fails = rem < c.need || testByteOf(selectPredicate(c.byte, ctx->flags & OptionDotAll), q[0]) < 0;
+            fails = rem < c.need || !c.types[(ctx->flags & OptionDotAll) != 0 ? 1 : 0]->has(q[0]);
         } else {
             fails = rem == 0 || ownCheckClass(q, ownBytesToEnd(ctx, q), ctx, c.node) < 0;
         }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "regexp/match/char_predicates.h"
 #include "regexp/match/match_internal.h"
 
 namespace {
@@ -37,6 +38,10 @@ TEST(Predicates, EveryByteOfEveryLetterInBothForms) {
                 bool want = expected(letter, dotAll != 0, c);
                 EXPECT_EQ(byRef(&byte) >= 0, want) << letter << " dotAll " << dotAll << " byte " << c;
                 EXPECT_EQ(byValue(byte) >= 0, want) << letter << " dotAll " << dotAll << " byte " << c;
+                // The bit-set form used by the repeat continuations.
+                const auto& set = zevch_match::PredicateByteSets[zevch_match::selectPredicate(
+                    static_cast<uint8_t>(letter), dotAll)];
+                EXPECT_EQ(set.has(byte), want) << letter << " dotAll " << dotAll << " byte " << c;
             }
         }
     }
