@@ -1,5 +1,6 @@
 # Compares the dynamic symbols that libzevch defines with the functions that
 # include/zevch.h declares: nothing internal may leak, nothing may be missing.
+cmake_policy(SET CMP0057 NEW)   # if(... IN_LIST ...) in a -P script
 execute_process(COMMAND nm -D --defined-only ${LIB} OUTPUT_VARIABLE nm_out RESULT_VARIABLE rc)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "nm failed on ${LIB}")
