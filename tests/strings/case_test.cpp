@@ -151,6 +151,29 @@ TEST(Case, LatinFormsOfEveryByteAndUnit) {
     for (uint32_t c = 0; c < 65536; ++c) ASSERT_EQ(out[c], c >= 'a' && c <= 'z' ? c - 32 : c);
 }
 
+TEST(Case, LatinFormsAtEveryLengthAndOffset) {
+    // Lengths and offsets around the vector widths the compiler may use.
+    std::vector<uint8_t> text(64 + 3);
+    for (size_t i = 0; i < text.size(); ++i) text[i] = static_cast<uint8_t>("aZ@[`{zA"[i % 8] + (i % 3 == 0 ? 0x80 : 0));
+    const std::vector<uint16_t> wide(text.begin(), text.end());
+    for (int32_t off = 0; off < 4; ++off) {
+        for (int32_t len = 0; len <= 64; ++len) {
+            std::vector<uint8_t> dst(off + len + 1, 0xEE);
+            ASSERT_EQ(zevsUppercaseLatin_8u(text.data() + off, dst.data() + off, len), zevStatusOk);
+            for (int32_t i = 0; i < len; ++i) {
+                const uint8_t c = text[off + i];
+                ASSERT_EQ(dst[off + i], c >= 'a' && c <= 'z' ? c - 32 : c);
+            }
+            EXPECT_EQ(dst[off + len], 0xEE);
+            // The full mapping over a string equals the mapping one element at a time.
+            std::vector<uint16_t> low(off + len + 1, 0xEEEE);
+            ASSERT_EQ(zevsLowercase_16u(wide.data() + off, low.data() + off, len), zevStatusOk);
+            for (int32_t i = 0; i < len; ++i) ASSERT_EQ(low[off + i], low16(wide[off + i]));
+            EXPECT_EQ(low[off + len], 0xEEEE);
+        }
+    }
+}
+
 TEST(Case, ChecksAndEmptyLength) {
     uint8_t b[2] = {'A', 'B'};
     uint16_t w[2] = {'A', 'B'};

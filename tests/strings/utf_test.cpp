@@ -5,6 +5,7 @@
 // Buffers are sized exactly, so that a sanitizer build sees any stray access.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <utility>
 #include <vector>
@@ -103,27 +104,28 @@ Result16to8 model16to8(const Units& src, uint32_t room, bool big) {
     return r;
 }
 
-// Runs a conversion with a source and an output of exactly the given sizes.
+// Runs a conversion with a source and an output of exactly the given sizes,
+// both starting `off` elements into their buffers so that the block paths
+// meet every alignment.
 template <typename To, typename From, typename Fn>
-std::pair<std::vector<To>, uint32_t> run(Fn convert, const std::vector<From>& src, uint32_t room, bool big) {
-    std::vector<From> s = src;
+std::pair<std::vector<To>, uint32_t> run(Fn convert, const std::vector<From>& src, uint32_t room, bool big,
+                                         size_t off) {
+    std::vector<From> s(off + src.size() + (src.empty() ? 1 : 0));
+    std::copy(src.begin(), src.end(), s.begin() + off);
     const To unused = static_cast<To>(0xA5A5);
-    std::vector<To> d(room, unused);
-    uint32_t sl = static_cast<uint32_t>(s.size()), dl = room;
-    const From noSource = 0;
-    To noRoom = 0;
-    EXPECT_EQ(convert(s.empty() ? &noSource : s.data(), &sl, room ? d.data() : &noRoom, &dl, big ? 1 : 0), zevStatusOk);
+    std::vector<To> d(off + room + (room == 0 ? 1 : 0), unused);
+    uint32_t sl = static_cast<uint32_t>(src.size()), dl = room;
+    EXPECT_EQ(convert(s.data() + off, &sl, d.data() + off, &dl, big ? 1 : 0), zevStatusOk);
     // Nothing is written behind what the call reports as produced.
-    for (uint32_t i = dl; i < room; ++i) EXPECT_EQ(d[i], unused) << "written at " << i << " of " << room;
-    d.resize(dl);
-    return {d, sl};
+    for (size_t i = off + dl; i < d.size(); ++i) EXPECT_EQ(d[i], unused) << "written at " << i << " of " << room;
+    return {std::vector<To>(d.begin() + off, d.begin() + off + dl), sl};
 }
-Result8to16 run8to16(const Bytes& src, uint32_t room, bool big) {
-    auto [out, consumed] = run<uint16_t>(zevsConvertUTF_8u16u, src, room, big);
+Result8to16 run8to16(const Bytes& src, uint32_t room, bool big, size_t off = 0) {
+    auto [out, consumed] = run<uint16_t>(zevsConvertUTF_8u16u, src, room, big, off);
     return {out, consumed};
 }
-Result16to8 run16to8(const Units& src, uint32_t room, bool big) {
-    auto [out, consumed] = run<uint8_t>(zevsConvertUTF_16u8u, src, room, big);
+Result16to8 run16to8(const Units& src, uint32_t room, bool big, size_t off = 0) {
+    auto [out, consumed] = run<uint8_t>(zevsConvertUTF_16u8u, src, room, big, off);
     return {out, consumed};
 }
 
@@ -232,14 +234,15 @@ TEST(Utf, AgainstModelAtEveryCapacity) {
         for (size_t len : {15, 16, 17, 31, 32, 33, 47, 64, 65, 200}) {
             for (int round = 0; round < 6; ++round) {
                 const Units u = randomUnits(rng, len);
+                const size_t off = static_cast<size_t>(round % 4);
                 for (uint32_t room = 0; room <= len * 3 + 1; room += (room < 40 ? 1 : 7)) {
-                    const Result16to8 got = run16to8(u, room, big), want = model16to8(u, room, big);
+                    const Result16to8 got = run16to8(u, room, big, off), want = model16to8(u, room, big);
                     ASSERT_EQ(got.out, want.out) << len << " " << room;
                     ASSERT_EQ(got.consumed, want.consumed);
                 }
                 const Bytes b = model16to8(u, static_cast<uint32_t>(len * 3), false).out;
                 for (uint32_t room = 0; room <= len + 1; ++room) {
-                    const Result8to16 got = run8to16(b, room, big), want = model8to16(b, room, big);
+                    const Result8to16 got = run8to16(b, room, big, off), want = model8to16(b, room, big);
                     ASSERT_EQ(got.out, want.out) << len << " " << room;
                     ASSERT_EQ(got.consumed, want.consumed);
                 }
@@ -249,8 +252,9 @@ TEST(Utf, AgainstModelAtEveryCapacity) {
 }
 
 TEST(Utf, CorruptedInputAtEveryPosition) {
-    // Each byte of valid text in turn, including the last one, replaced by a
-    // continuation byte, a start byte and 0xFF; and every prefix of the text.
+    // Each byte of valid text in turn, including the last one, replaced by
+    // continuation bytes, start bytes of every length and 0xFE/0xFF; and
+    // every prefix of the text.
     std::mt19937 rng(5);
     const Units u = randomUnits(rng, 90);
     const Bytes good = model16to8(u, 1000, false).out;
@@ -266,7 +270,17 @@ TEST(Utf, CorruptedInputAtEveryPosition) {
         const Bytes prefix(good.begin(), good.begin() + pos);
         ASSERT_EQ(run8to16(prefix, static_cast<uint32_t>(pos), false).out, model8to16(prefix, pos, false).out);
     }
+    // Each unit in turn, including the last one, made a lone high or low
+    // surrogate; and every prefix, which may end in half a pair.
     for (size_t pos = 0; pos < u.size(); ++pos) {
+        for (uint16_t bad : {0xD800, 0xDBFF, 0xDC00, 0xDFFF}) {
+            Units v = u;
+            v[pos] = bad;
+            const uint32_t room = static_cast<uint32_t>(v.size() * 3);
+            const Result16to8 got = run16to8(v, room, false), want = model16to8(v, room, false);
+            ASSERT_EQ(got.out, want.out) << pos;
+            ASSERT_EQ(got.consumed, v.size());
+        }
         const Units prefix(u.begin(), u.begin() + pos);
         ASSERT_EQ(run16to8(prefix, 1000, false).out, model16to8(prefix, 1000, false).out);
     }
