@@ -20,6 +20,7 @@
 
 #include "regexp/match/char_predicates.h"
 #include "regexp/match/repeat_loops.h"
+#include "regexp/unicode/utf8_inline.h"
 
 using namespace zevch_match;
 
@@ -48,9 +49,9 @@ int32_t rangeResult(const RegExpNode& item, uint32_t first, int32_t size, int32_
         return yesNo(inside);
     }
     if (ignoreCase) {
-        low = ownFoldCase(low);
-        high = ownFoldCase(high);
-        code = ownFoldCase(code);
+        low = ownFoldCaseInline(low);
+        high = ownFoldCaseInline(high);
+        code = ownFoldCaseInline(code);
     }
     return yesNo(code >= low && code <= high);
 }
@@ -82,7 +83,7 @@ int32_t classAnswer(const MatchContext* ctx, int32_t head, uint32_t first, int32
                 result = rangeResult(item, first, size, code, ignoreCase) ^ item.word3;
                 break;
             case NodeWideChar:
-                result = ignoreCase ? yesNo(ownFoldCase(code) == ownFoldCase(item.word1))
+                result = ignoreCase ? yesNo(ownFoldCaseInline(code) == ownFoldCaseInline(item.word1))
                                     : yesNo(code == item.word1);
                 result ^= item.word3;
                 break;

@@ -54,9 +54,9 @@ struct ValueForm {
 }  // namespace
 
 CharPredicateRef ownGetCharPredicate(uint32_t letter, uint32_t dotAll) {
-    return pick<RefForm, CharPredicateRef>(selectPredicate(letter, dotAll));
+    return pick<RefForm, CharPredicateRef>(selectPredicate(letter & 0xFF, dotAll));
 }
 
 CharPredicateValue ownGetCharPredicateByValue(uint32_t letter, uint32_t dotAll) {
-    return pick<ValueForm, CharPredicateValue>(selectPredicate(letter, dotAll));
+    return pick<ValueForm, CharPredicateValue>(selectPredicate(letter & 0xFF, dotAll));
 }

@@ -30,6 +30,16 @@ struct ByteItems {
         int32_t end = offset + std::min(limit - count, remaining - offset);
         int32_t o = offset;
         if (byte == other) {
+            // Eight bytes at a time while all of them are the literal.
+            const uint64_t pattern = 0x0101010101010101ull * byte;
+            while (end - o >= 8) {
+                uint64_t word;
+                std::memcpy(&word, p + o, sizeof word);
+                if (word != pattern) {
+                    break;
+                }
+                o += 8;
+            }
             while (o < end && p[o] == byte) {
                 ++o;
             }

@@ -9,6 +9,7 @@
 // Tested by tests/match/repeat_items_test.cpp.
 
 #include "regexp/match/repeat_loops.h"
+#include "regexp/unicode/utf8_inline.h"
 
 using namespace zevch_match;
 
@@ -21,7 +22,7 @@ struct WideCharCheck {
 
 struct FoldedWideCharCheck {
     int32_t folded;   // ownFoldCase of the node's code, worked out once
-    bool operator()(int32_t c) const { return ownFoldCase(c) == folded; }
+    bool operator()(int32_t c) const { return ownFoldCaseInline(c) == folded; }
 };
 
 struct PropertyCheck {

@@ -280,7 +280,7 @@ int32_t greedyRepeat(const uint8_t* p, int32_t remaining, MatchContext* ctx, int
     items.scan(p, remaining, offset, count, limit);
     ctx->captures[0].length += offset;
     const Continuation c = makeContinuation(ctx, next);
-    const bool skipping = c.shortcut == ShortcutLiteral && items.unitSteps();
+    const bool skipping = c.shortcut == ShortcutLiteral && items.unitSteps() && remaining >= 0;
     for (;;) {
         if (skipping) {
             // One byte per item: count - min places lie below this one.

@@ -96,6 +96,21 @@ TEST(RepeatChar, IgnoreCaseIsAsciiOnly) {
     EXPECT_EQ(c.run("kKkK", 1000, 0, 0).length, 1);
 }
 
+// The scan of a literal run goes eight bytes at a time: runs of every length
+// around that width, from unaligned starts, with and without a bound.
+TEST(RepeatChar, RunsAcrossWordWidths) {
+    Case star{Machine({chr('a'), greedy(0, Many)})};
+    Case bounded{Machine({chr('a'), greedy(0, 9)})};
+    for (int n = 0; n <= 20; ++n) {
+        for (int start = 0; start < 3; ++start) {
+            std::string s = std::string(static_cast<size_t>(start), 'b') + std::string(static_cast<size_t>(n), 'a') + "ba";
+            EXPECT_EQ(star.run(s, 1000, start).length, n) << n << " from " << start;
+            EXPECT_EQ(bounded.run(s, 1000, start).length, std::min(n, 9)) << n << " from " << start;
+            EXPECT_EQ(star.run(s.substr(0, static_cast<size_t>(start + n)), 1000, start).length, n);
+        }
+    }
+}
+
 TEST(RepeatAnyByte, StepsBackThroughMultiByteCharacters) {
     Case c{Machine({node(NodeAnyByte), greedy(0, Many), chr(0x82)})};
     Outcome o = c.run("\xE2\x82\xAC");
