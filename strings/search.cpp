@@ -3,11 +3,12 @@
 //
 // Results are those of the plain candidate-by-candidate walk (first or last
 // occurrence, overlapping occurrences all seen, an empty needle or set found
-// nowhere). The 8-bit members reach them through the C library's memchr and
-// memrchr, and the 8-bit needle searches test sixteen candidates at a time
-// by the needle's first and last byte before comparing the whole needle:
-// the backward searches are also the literal prefilter of the
-// regular-expression search and must keep up with memchr.
+// nowhere). The 8-bit character scans are the C library's memchr and
+// memrchr, the 16-bit ones go eight units at a time, and the 8-bit needle
+// searches test sixteen candidates at a time by the needle's first and last
+// byte before comparing the whole needle: the backward searches are also
+// the literal prefilter of the regular-expression search and must keep up
+// with memchr.
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -19,13 +20,27 @@
 
 namespace {
 
+#if defined(__SSE2__)
+// Bit 2i (and 2i + 1) set where unit i of the eight at p equals the unit in c.
+inline unsigned unitMatches8(const uint16_t* p, __m128i c) {
+    return static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)), c)));
+}
+#endif
+
 template <typename T>
 int32_t scanC(const T* src, int32_t len, T c) {
     if constexpr (sizeof(T) == 1) {
         const void* p = len > 0 ? std::memchr(src, c, static_cast<size_t>(len)) : nullptr;
         return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
     } else {
-        for (int32_t i = 0; i < len; ++i)
+        int32_t i = 0;
+#if defined(__SSE2__)
+        const __m128i unit = _mm_set1_epi16(static_cast<short>(c));
+        for (; len - i >= 8; i += 8)
+            if (const unsigned m = unitMatches8(src + i, unit)) return i + __builtin_ctz(m) / 2;
+#endif
+        for (; i < len; ++i)
             if (src[i] == c) return i;
         return -1;
     }
@@ -37,7 +52,13 @@ int32_t scanRevC(const T* src, int32_t len, T c) {
         const void* p = len > 0 ? memrchr(src, c, static_cast<size_t>(len)) : nullptr;
         return p ? static_cast<int32_t>(static_cast<const T*>(p) - src) : -1;
     } else {
-        for (int32_t i = len - 1; i >= 0; --i)
+        int32_t i = len;  // elements below i are still unscanned
+#if defined(__SSE2__)
+        const __m128i unit = _mm_set1_epi16(static_cast<short>(c));
+        for (; i >= 8; i -= 8)
+            if (const unsigned m = unitMatches8(src + i - 8, unit)) return i - 8 + (31 - __builtin_clz(m)) / 2;
+#endif
+        while (--i >= 0)
             if (src[i] == c) return i;
         return -1;
     }

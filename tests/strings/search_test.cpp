@@ -170,22 +170,25 @@ TEST(Search, SixteenBitUnitsAreNotBytes) {
     EXPECT_EQ(idx, -1);
 }
 
-TEST(Search, LongSourcesReachTheirEnds) {
-    // The fast paths of the 8-bit members run over long stretches.
-    std::vector<uint8_t> s(70000, 'a');
-    s[69998] = 'b';
-    s[3] = 'b';
-    const uint8_t needle[2] = {'a', 'b'};
+TYPED_TEST(SearchTyped, LongSourcesReachTheirEnds) {
+    // The block loops run over many blocks before and after the hits.
+    using T = TypeParam;
+    using A = Api<T>;
+    const T a = 'a', b = sizeof(T) == 1 ? T('b') : T(0x6162);
+    std::vector<T> s(70000, a);
+    s[69998] = b;
+    s[3] = b;
+    const T needle[2] = {a, b};
     int32_t idx = 0;
-    zevsFindC_8u(s.data(), 70000, 'b', &idx);
+    A::findC(s.data(), 70000, b, &idx);
     EXPECT_EQ(idx, 3);
-    zevsFindRevC_8u(s.data(), 70000, 'b', &idx);
+    A::findRevC(s.data(), 70000, b, &idx);
     EXPECT_EQ(idx, 69998);
-    zevsFind_8u(s.data(), 70000, needle, 2, &idx);
+    A::find(s.data(), 70000, needle, 2, &idx);
     EXPECT_EQ(idx, 2);
-    zevsFindRev_8u(s.data(), 70000, needle, 2, &idx);
+    A::findRev(s.data(), 70000, needle, 2, &idx);
     EXPECT_EQ(idx, 69997);
-    zevsFindRev_8u(s.data(), 69998, needle, 2, &idx);
+    A::findRev(s.data(), 69998, needle, 2, &idx);
     EXPECT_EQ(idx, 2);
 }
 
