@@ -87,17 +87,8 @@ int32_t classAnswer(const MatchContext* ctx, int32_t head, uint32_t first, int32
                                     : yesNo(code == item.word1);
                 result ^= item.word3;
                 break;
-            case NodeProperty:
-                result = ownCheckProperty(code, item.word1, item.word2);
-                break;
-            case NodeBlock:
-                result = ownCheckBlock(code, item.word1, item.word2, item.word3);
-                break;
-            case NodeScript:
-                result = ownCheckScript(code, ownScriptRanges(item.word4), item.word3, item.word2);
-                break;
             default:
-                result = -1;
+                result = checkCodeItem(item, code);   // property, block, script; -1 for any other
                 break;
         }
         acc &= result;

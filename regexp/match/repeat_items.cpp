@@ -25,24 +25,10 @@ struct FoldedWideCharCheck {
     bool operator()(int32_t c) const { return ownFoldCaseInline(c) == folded; }
 };
 
-struct PropertyCheck {
-    int32_t mask;
-    int32_t negate;
-    bool operator()(int32_t c) const { return ownCheckProperty(c, mask, negate) > 0; }
-};
-
-struct BlockCheck {
-    int32_t low;
-    int32_t high;
-    int32_t negate;
-    bool operator()(int32_t c) const { return ownCheckBlock(c, low, high, negate) > 0; }
-};
-
-struct ScriptCheck {
-    const int32_t* ranges;
-    int32_t count;
-    int32_t negate;
-    bool operator()(int32_t c) const { return ownCheckScript(c, ranges, count, negate) > 0; }
+// NodeProperty, NodeBlock, NodeScript: the node's own check.
+struct NodeCheck {
+    const RegExpNode* item;
+    bool operator()(int32_t c) const { return checkCodeItem(*item, c) > 0; }
 };
 
 template <class Check, bool Memo>
@@ -100,14 +86,9 @@ int32_t repeatItem(const uint8_t* p, int32_t remaining, MatchContext* ctx, bool 
             }
             return repeatWith<WideCharCheck, false>(p, remaining, ctx, WideCharCheck{node.word1}, look, lazy);
         case NodeProperty:
-            return repeatWith<PropertyCheck, true>(p, remaining, ctx, PropertyCheck{node.word1, node.word2}, look,
-                                                   lazy);
         case NodeBlock:
-            return repeatWith<BlockCheck, false>(p, remaining, ctx, BlockCheck{node.word1, node.word2, node.word3},
-                                                 look, lazy);
         case NodeScript:
-            return repeatWith<ScriptCheck, true>(
-                p, remaining, ctx, ScriptCheck{ownScriptRanges(node.word4), node.word3, node.word2}, look, lazy);
+            return repeatWith<NodeCheck, true>(p, remaining, ctx, NodeCheck{&node}, look, lazy);
         default:
             return 1;
     }
