@@ -1,11 +1,8 @@
 // Character classes: the item forms (bytes against codes, the two forms of a
-// range, case folding, invert marks), the greedy and lazy repeats, and a run
-// over a long subject on a small stack (the greedy repeat must not recurse
-// per character).
+// range, case folding, invert marks), the greedy and lazy repeats, and the
+// ASCII bit set of a repeat against the item-by-item check.
 
 #include <gtest/gtest.h>
-
-#include <pthread.h>
 
 #include <random>
 
@@ -136,28 +133,6 @@ TEST(Class, CheckAtTheSubjectsEnd) {
     Machine m({cls(1, -1)});
     m.run("");
     EXPECT_LT(ownCheckClass(reinterpret_cast<const uint8_t*>(""), 0, &m.context(), 0), 0);
-}
-
-void* longRun(void* arg) {
-    auto* out = static_cast<Outcome*>(arg);
-    std::string text(1 << 20, 'a');
-    Machine m({cls(1), range('a', 'z'), greedy(0, Many), chr('x')});
-    *out = m.run(text, 10, 0);
-    return nullptr;
-}
-
-TEST(Class, LongRunOnASmallStack) {
-    pthread_attr_t attr;
-    pthread_attr_init(&attr);
-    pthread_attr_setstacksize(&attr, 256 * 1024);
-    pthread_t thread;
-    Outcome o{-1, 0, 0};
-    ASSERT_EQ(pthread_create(&thread, &attr, longRun, &o), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attr);
-    EXPECT_EQ(o.result, 1);
-    EXPECT_LT(o.budgetLeft, 0);
-    EXPECT_EQ(o.length, 0);
 }
 
 }  // namespace
