@@ -59,11 +59,15 @@ protected:
         return path(name);
     }
 
-    // Runs the tool with `args`; `input` names a file for standard input.
-    Outcome run(const std::vector<std::string>& args, const std::string& input = "/dev/null") {
-        std::string cmd = quote(ZEVCH_TOOL_PATH);
+    // Runs the tool with `args`; `input` names a file for standard input,
+    // handed over as a file or, with `pipe`, through a pipe.
+    Outcome run(const std::vector<std::string>& args, const std::string& input = "/dev/null",
+                bool pipe = false) {
+        std::string cmd = pipe ? "cat " + quote(input) + " | " : "";
+        cmd += quote(ZEVCH_TOOL_PATH);
         for (const std::string& a : args) cmd += " " + quote(a);
-        cmd += " < " + quote(input) + " > " + quote(path(".out")) + " 2> " + quote(path(".err"));
+        if (!pipe) cmd += " < " + quote(input);
+        cmd += " > " + quote(path(".out")) + " 2> " + quote(path(".err"));
         const int status = std::system(cmd.c_str());
         Outcome r;
         r.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -258,7 +262,7 @@ TEST_F(Tool, LargeInput) {
         }
     }
     const std::string f = write("large.txt", text);
-    Outcome r = run({"grep", "-c", "\\w+@\\w+\\.org", "-"}, f);
+    Outcome r = run({"grep", "-c", "\\w+@\\w+\\.org", "-"}, f, true);
     EXPECT_EQ(r.exit, 0) << r.err;
     EXPECT_EQ(r.out, std::to_string(expected) + "\n");
     r = run({"grep", "--whole", "-c", "\\w+@\\w+\\.org", f});
