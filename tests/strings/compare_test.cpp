@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "zevch.h"
+#include "width_api.h"
 
 namespace {
 
@@ -24,7 +24,6 @@ zevStatus equal(const uint16_t* a, const uint16_t* b, int32_t n, int32_t* r) { r
 
 template <typename T>
 class CompareTyped : public ::testing::Test {};
-using Widths = ::testing::Types<uint8_t, uint16_t>;
 TYPED_TEST_SUITE(CompareTyped, Widths);
 
 TYPED_TEST(CompareTyped, FirstDifferenceAtEveryPositionAndAlignment) {

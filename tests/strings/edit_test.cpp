@@ -6,36 +6,10 @@
 #include <numeric>
 #include <vector>
 
-#include "zevch.h"
+#include "width_api.h"
 
 namespace {
 
-template <typename T>
-struct Api;
-template <>
-struct Api<uint8_t> {
-    static constexpr auto insert = zevsInsert_8u;
-    static constexpr auto insertI = zevsInsert_8u_I;
-    static constexpr auto remove = zevsRemove_8u;
-    static constexpr auto removeI = zevsRemove_8u_I;
-    static constexpr auto concat = zevsConcat_8u;
-    static constexpr auto concatList = zevsConcat_8u_D2L;
-    static constexpr auto concatC = zevsConcatC_8u_D2L;
-    static constexpr auto split = zevsSplitC_8u_D2L;
-    static constexpr auto replace = zevsReplaceC_8u;
-};
-template <>
-struct Api<uint16_t> {
-    static constexpr auto insert = zevsInsert_16u;
-    static constexpr auto insertI = zevsInsert_16u_I;
-    static constexpr auto remove = zevsRemove_16u;
-    static constexpr auto removeI = zevsRemove_16u_I;
-    static constexpr auto concat = zevsConcat_16u;
-    static constexpr auto concatList = zevsConcat_16u_D2L;
-    static constexpr auto concatC = zevsConcatC_16u_D2L;
-    static constexpr auto split = zevsSplitC_16u_D2L;
-    static constexpr auto replace = zevsReplaceC_16u;
-};
 
 template <typename T>
 std::vector<T> seq(int32_t n, int32_t from = 1) {
@@ -57,7 +31,6 @@ const T* ptr(const std::vector<T>& v) {
 
 template <typename T>
 class EditTyped : public ::testing::Test {};
-using Widths = ::testing::Types<uint8_t, uint16_t>;
 TYPED_TEST_SUITE(EditTyped, Widths);
 
 TYPED_TEST(EditTyped, InsertAndRemoveAtEveryPosition) {

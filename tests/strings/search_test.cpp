@@ -6,34 +6,10 @@
 #include <random>
 #include <vector>
 
-#include "zevch.h"
+#include "width_api.h"
 
 namespace {
 
-template <typename T>
-struct Api;
-template <>
-struct Api<uint8_t> {
-    static constexpr auto find = zevsFind_8u;
-    static constexpr auto findRev = zevsFindRev_8u;
-    static constexpr auto findC = zevsFindC_8u;
-    static constexpr auto findRevC = zevsFindRevC_8u;
-    static constexpr auto findCAny = zevsFindCAny_8u;
-    static constexpr auto findRevCAny = zevsFindRevCAny_8u;
-    static constexpr auto findZ = zevsFind_Z_8u;
-    static constexpr auto findCZ = zevsFindC_Z_8u;
-};
-template <>
-struct Api<uint16_t> {
-    static constexpr auto find = zevsFind_16u;
-    static constexpr auto findRev = zevsFindRev_16u;
-    static constexpr auto findC = zevsFindC_16u;
-    static constexpr auto findRevC = zevsFindRevC_16u;
-    static constexpr auto findCAny = zevsFindCAny_16u;
-    static constexpr auto findRevCAny = zevsFindRevCAny_16u;
-    static constexpr auto findZ = zevsFind_Z_16u;
-    static constexpr auto findCZ = zevsFindC_Z_16u;
-};
 
 template <typename T>
 int32_t refFind(const T* s, int32_t n, const T* p, int32_t m, bool rev) {
@@ -59,7 +35,6 @@ int32_t refFindAny(const T* s, int32_t n, const T* set, int32_t m, bool rev) {
 
 template <typename T>
 class SearchTyped : public ::testing::Test {};
-using Widths = ::testing::Types<uint8_t, uint16_t>;
 TYPED_TEST_SUITE(SearchTyped, Widths);
 
 TYPED_TEST(SearchTyped, MatchesReferenceAtAllOffsets) {

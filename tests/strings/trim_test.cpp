@@ -8,28 +8,10 @@
 #include <vector>
 
 #include "core/core.h"
-#include "zevch.h"
+#include "width_api.h"
 
 namespace {
 
-template <typename T>
-struct Api;
-template <>
-struct Api<uint8_t> {
-    static constexpr auto trim = zevsTrimC_8u;
-    static constexpr auto trimI = zevsTrimC_8u_I;
-    static constexpr auto any = zevsTrimCAny_8u;
-    static constexpr auto start = zevsTrimStartCAny_8u;
-    static constexpr auto end = zevsTrimEndCAny_8u;
-};
-template <>
-struct Api<uint16_t> {
-    static constexpr auto trim = zevsTrimC_16u;
-    static constexpr auto trimI = zevsTrimC_16u_I;
-    static constexpr auto any = zevsTrimCAny_16u;
-    static constexpr auto start = zevsTrimStartCAny_16u;
-    static constexpr auto end = zevsTrimEndCAny_16u;
-};
 
 template <typename T>
 std::vector<T> refTrim(const T* s, int32_t n, const std::vector<T>& set, bool atStart, bool atEnd) {
@@ -48,7 +30,6 @@ std::vector<T> refTrim(const T* s, int32_t n, const std::vector<T>& set, bool at
 
 template <typename T>
 class TrimTyped : public ::testing::Test {};
-using Widths = ::testing::Types<uint8_t, uint16_t>;
 TYPED_TEST_SUITE(TrimTyped, Widths);
 
 TYPED_TEST(TrimTyped, SingleCharacterAgainstPlainScan) {
