@@ -70,11 +70,13 @@ public:
     }
 
     // The continuation: nothing, a literal, a string, a class with or
-    // without a repeat, or another repeated item.
+    // without a repeat, another repeated item, or new options (a failed run
+    // leaves them changed for the next run).
     void continuation(std::vector<RegExpNode>& nodes, std::string& literals) {
-        int32_t parts = pick(3);
+        int32_t parts = pick(4);
         for (int32_t k = 0; k < parts; ++k) {
-            switch (pick(5)) {
+            switch (pick(6)) {
+                case 5: nodes.push_back(node(NodeSetOptions, pick(2) == 0 ? OptionIgnoreCase : OptionDotAll)); break;
                 case 0:
                 case 1: nodes.push_back(chr(literal())); break;
                 case 2: {
