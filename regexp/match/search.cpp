@@ -49,7 +49,7 @@ struct SkipPlan {
     bool byByte;           // cost[] holds at least one known cost
     bool lineStart;        // the pattern is one branch led by the line-start anchor
     int32_t candidate;     // the only byte of unknown cost, or -1
-    int32_t uniform;       // the cost every byte of known cost has, or 0
+    int32_t uniform;       // the cost of every byte of known cost
     uint8_t cost[256];
 };
 
@@ -380,12 +380,14 @@ void buildSkipPlan(Search* s) {
     if (unknown != 1) {
         plan.candidate = -1;
     }
+    // A byte of known cost is one that every node on the way turns down, so
+    // all known costs are the cost of that one way; the skip relies on it.
     plan.uniform = 0;
     for (int32_t b = 0; b < 256; ++b) {
         if (plan.cost[b] != CostUnknown) {
             if (plan.uniform != 0 && plan.uniform != plan.cost[b]) {
-                plan.uniform = 0;
-                break;
+                plan.byByte = false;
+                return;
             }
             plan.uniform = plan.cost[b];
         }
@@ -524,59 +526,35 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
     if (!plan.byByte) {
         return true;
     }
-    int64_t spent = 0;
-    const int64_t room = static_cast<int64_t>(ctx->budget) + 1;   // spending this much exhausts it
+    const void* hit;
     if (plan.candidate >= 0 && (ctx->format != 1 || plan.candidate < 0x80 || plan.candidate >= 0xC0)) {
-        // Every other byte has one and the same cost: find the candidate.
-        const uint8_t unit = plan.cost[plan.candidate == 0 ? 1 : 0];
-        const void* hit = std::memchr(q, plan.candidate, static_cast<size_t>(end - q));
-        int64_t places;
-        const uint8_t* to = walkPlaces(s, q, hit ? static_cast<const uint8_t*>(hit) : end, &places);
-        spent = places * unit;
-        if (spent >= room) {
-            ctx->budget = -1;
-            return false;
+        // A single byte of unknown cost: look for it. (An ASCII byte or a
+        // lead byte is always a place: no sequence steps over it.)
+        hit = std::memchr(q, plan.candidate, static_cast<size_t>(end - q));
+    } else {
+        const uint8_t* scanAt = q;
+        while (scanAt < end && plan.cost[*scanAt] != CostUnknown) {
+            ++scanAt;
         }
-        ctx->budget -= static_cast<int32_t>(spent);
-        *remaining -= static_cast<int32_t>(to - q);
-        *p = to;
-        return *remaining >= 0;
+        hit = scanAt;
     }
-    if (plan.uniform != 0) {
-        // One cost for all: find the next byte of unknown cost, then count
-        // the places on the way (bytes, unless some were not ASCII).
-        const uint8_t* to = q;
+    // Count the places on the way: bytes, unless some were not ASCII.
+    const uint8_t* to = hit ? static_cast<const uint8_t*>(hit) : end;
+    int64_t places = to - q;
+    if (ctx->format == 1) {
         uint32_t seen = 0;
-        while (to < end && plan.cost[*to] != CostUnknown) {
-            seen |= *to;
-            ++to;
+        for (const uint8_t* b = q; b < to; ++b) {
+            seen |= *b;
         }
-        int64_t places = to - q;
-        if (ctx->format == 1 && (seen & 0x80) != 0) {
+        if ((seen & 0x80) != 0) {
             to = walkPlaces(s, q, to, &places);
         }
-        if (!charge(ctx, places * plan.uniform)) {
-            return false;
-        }
-        *remaining -= static_cast<int32_t>(to - q);
-        *p = to;
-        return *remaining >= 0;
     }
-    while (q < end) {
-        const uint8_t c = plan.cost[*q];
-        if (c == CostUnknown) {
-            break;
-        }
-        spent += c;
-        if (spent >= room) {
-            ctx->budget = -1;
-            return false;
-        }
-        q += *q < 0x80 ? 1 : placeStep(s, q);
+    if (!charge(ctx, places * plan.uniform)) {
+        return false;
     }
-    ctx->budget -= static_cast<int32_t>(spent);
-    *remaining -= static_cast<int32_t>(q - *p);
-    *p = q;
+    *remaining -= static_cast<int32_t>(to - q);
+    *p = to;
     return *remaining >= 0;
 }
 

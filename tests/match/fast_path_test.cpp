@@ -1,0 +1,129 @@
+// tests/match/fast_path_test.cpp - the search with its shortcuts against the
+// plain reference walk: random patterns, subjects and match limits must give
+// the same status, the same entries and the same budget left.
+//
+// The shortcuts only start on subjects of 256 bytes or more, so the
+// subjects here are that long; the alphabet mixes the bytes that the
+// patterns' first nodes test with newlines, multi-byte and malformed UTF-8.
+#include "tests/match/core_test_util.h"
+
+#include <random>
+
+using namespace matchcore;
+
+namespace {
+
+const char* const Atoms[] = {
+    "a", "b", "ab", "@", "\\.", "[ab]", "[^a]", "[a-c\\d]", "[0-9]", "[01]", "\\d", "\\w", "\\s", "\\S",
+    ".", "\\x{e9}", "[\\w.+-]", "(?:a|b)", "(a|bc)", "(?:25|2[0-4]|1?\\d)", "(?>a|ab)", "(?=a)", "(?!b)",
+    "(?<=a)", "\\b", "$", "x", "(?i:a)", "[^\\s@]", "\\p{L}",
+};
+const char* const Quantifiers[] = {"", "", "", "*", "+", "?", "{2}", "{1,3}", "*?", "+?", "??", "{0,2}"};
+const char* const Pieces[] = {"a", "b", "c", "@", ".", "1", "2", "5", " ", "\n", "\xC3\xA9", "\xE2\x82\xAC",
+                              "\x80", "A", "_", "x", "ab", "25", "a@b.c"};
+const char* const Options[] = {nullptr, "g", "i", "gi", "m", "gm", "s"};
+const int32_t Limits[] = {0, 1, 2, 3, 7, 20, 100, 1000, 10000, 1000000};
+
+template <class T, size_t N>
+const T& pick(std::mt19937& rng, const T (&list)[N]) {
+    return list[rng() % N];
+}
+
+std::string randomSequence(std::mt19937& rng) {
+    std::string out;
+    const int n = 1 + static_cast<int>(rng() % 4);
+    for (int i = 0; i < n; ++i) {
+        out += pick(rng, Atoms);
+        out += pick(rng, Quantifiers);
+    }
+    return out;
+}
+
+std::string randomPattern(std::mt19937& rng) {
+    std::string pattern;
+    switch (rng() % 8) {
+    case 0:
+        pattern = ".*";   // the line-start anchor
+        break;
+    case 1:
+        pattern = "(?i)";
+        break;
+    default:
+        break;
+    }
+    pattern += randomSequence(rng);
+    if (rng() % 4 == 0) {
+        pattern += "|" + randomSequence(rng);
+    }
+    return pattern;
+}
+
+std::string randomSubject(std::mt19937& rng) {
+    std::string out;
+    const size_t length = 256 + rng() % 300;
+    // A few pieces dominate, so that runs of like bytes occur.
+    const char* common[3] = {pick(rng, Pieces), pick(rng, Pieces), pick(rng, Pieces)};
+    while (out.size() < length) {
+        out += rng() % 4 == 0 ? pick(rng, Pieces) : common[rng() % 3];
+    }
+    return out;
+}
+
+TEST(MatchFastPaths, AgreeWithThePlainWalk) {
+    std::mt19937 rng(20261123);
+    int compiled = 0;
+    for (int i = 0; i < 1500; ++i) {
+        const std::string pattern = randomPattern(rng);
+        const char* options = pick(rng, Options);
+        RegExpState* raw = nullptr;
+        int32_t err = 0;
+        if (zevsRegExpInitAlloc(pattern.c_str(), options, &raw, &err) != zevStatusOk) {
+            continue;
+        }
+        StatePtr state(raw);
+        ++compiled;
+        zevsRegExpSetFormat(static_cast<int32_t>(rng() % 2), raw);
+        for (int k = 0; k < 3; ++k) {
+            zevsRegExpSetMatchLimit(pick(rng, Limits), raw);
+            const std::string subject = randomSubject(rng);
+            const int32_t capacity = 1 + static_cast<int32_t>(rng() % 12);
+            SCOPED_TRACE("pattern " + pattern + " options " + (options ? options : "-"));
+            const Outcome plain = searchOnce(raw, subject, capacity, 0);
+            const Outcome fast = searchOnce(raw, subject, capacity, 1);
+            ASSERT_EQ(plain, fast) << "limit " << raw->matchLimit << " format " << raw->format << " subject "
+                                   << subject;
+        }
+    }
+    EXPECT_GT(compiled, 1000);
+}
+
+// Shapes the shortcuts were built for, with the budget running out at every
+// point of the walk: the outcome must stay that of the plain walk.
+TEST(MatchFastPaths, BudgetRunsOutMidSkip) {
+    const char* const patterns[] = {
+        "[\\w.+-]+@[\\w.-]+\\.[\\w.-]+",
+        "\\w+://[^/\\s?#]+",
+        "(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9])\\.){3}",
+        ".*@",
+        "ab|cd|@",
+        "x+y",
+    };
+    std::string subject;
+    for (int i = 0; i < 40; ++i) {
+        subject += "foo bar.baz 12.250.3.4 x@y.z xxxy http://a.b/c\n\xC3\xA9t\xC3\xA9 ";
+    }
+    for (const char* pattern : patterns) {
+        for (const char* options : {"", "g"}) {
+            StatePtr state = compile(pattern, options);
+            for (int32_t limit = 0; limit < 3000; limit += 1 + limit / 8) {
+                zevsRegExpSetMatchLimit(limit, state.get());
+                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
+                const Outcome plain = searchOnce(state.get(), subject, 64, 0);
+                const Outcome fast = searchOnce(state.get(), subject, 64, 1);
+                ASSERT_EQ(plain, fast);
+            }
+        }
+    }
+}
+
+}  // namespace
