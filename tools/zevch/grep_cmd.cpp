@@ -35,12 +35,16 @@ const char* const ColourOn = "\033[1;31m";
 const char* const ColourOff = "\033[0m";
 
 struct Context {
+    Context(Pattern& pattern, const GrepSettings& settings, const Input& input)
+        : p(pattern), s(settings), in(input),
+          binary(input.size() > 0 && std::memchr(input.data(), 0, input.size()) != nullptr) {}
     Pattern& p;
     const GrepSettings& s;
     const Input& in;
     bool binary;
     bool binaryNoted = false;
     bool failed = false;
+    int64_t failures = 0;   // lines that could not be searched
     std::vector<RegExpFindEntry> entries;
 };
 
@@ -77,6 +81,7 @@ void reportSearchError(Context& c, int64_t lineNumber, zevStatus st) {
         }
     }
     c.failed = true;
+    ++c.failures;
 }
 
 // Prints the note for a binary input once; true when lines must not be printed.
@@ -150,6 +155,10 @@ bool grepLines(Context& c, int64_t& selected) {
         out(std::to_string(found) + "\n");
     }
     if (c.s.filesWithMatches && found > 0) out(c.in.name() + "\n");
+    if (c.failures > 1) {
+        toolError("%s: %lld lines in all could not be searched", c.in.name().c_str(),
+                  static_cast<long long>(c.failures));
+    }
     selected += found;
     return !c.failed;
 }
@@ -242,8 +251,7 @@ bool grepWhole(Context& c, int64_t& selected) {
 }  // namespace
 
 bool grepInput(Pattern& p, const GrepSettings& s, const Input& in, int64_t& selected) {
-    Context c{p, s, in, std::memchr(in.data(), 0, in.size()) != nullptr, false, false, {}};
-    if (in.size() == 0) c.binary = false;
+    Context c(p, s, in);
     return s.whole ? grepWhole(c, selected) : grepLines(c, selected);
 }
 

@@ -65,7 +65,9 @@ bool replaceSubject(ReplaceJob& job, Buffers& b, const uint8_t* src, int32_t len
         const zevStatus st = zevsRegExpReplace_8u(src, &srcLen, b.output.data(), &dstLen, b.find.data(),
                                                   &found, state, job.replace);
         if (st != zevStatusOk) {
-            if (st == zevStatusRegExpMatchLimit) {
+            if (job.failures++ > 0) {
+                // Reported once per input, counted at its end.
+            } else if (st == zevStatusRegExpMatchLimit) {
                 toolError("%sthe match limit ran out (%s); text passed on unchanged; raise it with --limit",
                           where.c_str(), statusName(st));
             } else {
@@ -120,6 +122,7 @@ bool prepareTemplate(const std::string& text, ReplaceJob& job) {
 }
 
 bool replaceInput(ReplaceJob& job, const Input& in) {
+    job.failures = 0;
     Buffers b;
     const uint8_t* data = in.data();
     const size_t size = in.size();
@@ -149,6 +152,10 @@ bool replaceInput(ReplaceJob& job, const Input& in) {
         if (newline) out("\n", 1);
         return true;
     });
+    if (job.failures > 1) {
+        toolError("%s: %lld lines in all were passed on unchanged", in.name().c_str(),
+                  static_cast<long long>(job.failures));
+    }
     return ok;
 }
 

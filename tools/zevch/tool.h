@@ -195,6 +195,7 @@ struct ReplaceJob {
     int64_t templateRefs = 0;    // its $ signs: each yields at most one group
     bool global = false;
     bool whole = false;
+    int64_t failures = 0;        // subjects of the current input passed on unchanged
 };
 // Parses the template into `job`; reports a bad one.
 bool prepareTemplate(const std::string& text, ReplaceJob& job);
