@@ -103,6 +103,8 @@ int32_t ownRepeatGrapheme(const uint8_t* p, int32_t remaining, MatchContext* ctx
 int32_t ownRepeatGraphemeLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx);
 
 // Classes (classes.cpp). currentNode holds the NodeClass head.
+// ownCheckClass: +1 when the character at p (left bytes to the subject's true
+// end) belongs to the class at index `head`, -1 when not or when left is 0.
 int32_t ownCheckClass(const uint8_t* p, int32_t left, MatchContext* ctx, int32_t head);
 int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
 int32_t ownRepeatClassLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max);
