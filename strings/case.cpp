@@ -166,7 +166,8 @@ static_assert(CaseBuilt.entries <= 128, "level 3 holds up to 128 entries");
 
 }  // namespace
 
-const CaseTable ownCaseTable = CaseBuilt.table;
+// Built at compile time: no code runs to set the table up.
+constinit const CaseTable ownCaseTable = CaseBuilt.table;
 
 namespace {
 
