@@ -230,22 +230,27 @@ inline CharAt readChar(const uint8_t* q, int32_t left) {
 
 struct ClassItems : Utf8Steps {
     int32_t head;
+    bool single;         // at most one character: the per-item check is cheaper
     uint32_t setFlags;   // the flags the set or the memo was made for
     bool useSet;
     AsciiSet set;
     AsciiMemo memo;
 
-    ClassItems(MatchContext* context, int32_t classHead) : Utf8Steps{context}, head(classHead) {
+    ClassItems(MatchContext* context, int32_t classHead, int32_t max)
+        : Utf8Steps{context}, head(classHead), single(max <= 1) {
         prepare(context->flags);
     }
 
     void prepare(uint32_t flags) {
         setFlags = flags;
-        useSet = buildAsciiSet(ctx, head, flags, set);
+        useSet = !single && buildAsciiSet(ctx, head, flags, set);
         memo = AsciiMemo{};
     }
 
     bool asciiAnswer(uint32_t b) {
+        if (single) {
+            return classAnswer(ctx, head, b, 1, static_cast<int32_t>(b)) > 0;
+        }
         if (ctx->flags != setFlags) {
             prepare(ctx->flags);   // a lazy repeat's continuation changed them
         }
@@ -299,7 +304,7 @@ int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, i
     if (next < ctx->endNode && ctx->nodes[next].kind == NodeRepeat) {
         ++next;
     }
-    ClassItems items(ctx, head);
+    ClassItems items(ctx, head, max);
     return greedyRepeat(p, remaining, ctx, min, max, next, items);
 }
 
@@ -307,6 +312,6 @@ int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, i
 int32_t ownRepeatClassLazy(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max) {
     const int32_t head = ctx->currentNode;
     const int32_t next = head + ctx->nodes[head].word2 + 2;
-    ClassItems items(ctx, head);
+    ClassItems items(ctx, head, max);
     return lazyRepeat(p, remaining, ctx, min, max, next, -1, items);
 }

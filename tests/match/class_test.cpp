@@ -115,7 +115,7 @@ TEST(Class, RepeatAgreesWithTheCheckOnEveryByte) {
                 default: nodes.push_back(node(NodeWideChar, literals[rng() % 8], 0, invert)); break;
             }
         }
-        nodes.push_back(greedy(1, 1));
+        nodes.push_back(greedy(1, 2));   // more than one character: the set is used
         Machine m(nodes);
         for (uint32_t flags : {0u, 1u, 4u, 5u}) {
             for (int c = 0; c < 256; ++c) {
