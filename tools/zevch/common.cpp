@@ -203,7 +203,7 @@ zevStatus findAll(Pattern& p, const uint8_t* src, int32_t length,
     // There are at most two matches per position (an empty one and its
     // one-byte retry), so the array never needs more than this.
     const int64_t most = static_cast<int64_t>(stride) * (2 * static_cast<int64_t>(length) + 3);
-    int64_t capacity = std::min<int64_t>(most, static_cast<int64_t>(stride) * 256);
+    int64_t capacity = std::min<int64_t>(most, static_cast<int64_t>(stride) * 4096);
     zevsRegExpSetMatchLimit(matchLimitFor(p, static_cast<size_t>(length)), p.global);
     for (;;) {
         if (capacity > INT32_MAX) capacity = INT32_MAX;

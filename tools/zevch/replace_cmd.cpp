@@ -52,7 +52,7 @@ bool replaceSubject(ReplaceJob& job, Buffers& b, const uint8_t* src, int32_t len
     zevsRegExpSetMatchLimit(matchLimitFor(p, static_cast<size_t>(length)), state);
     const int64_t stride = p.captureCount;
     const int64_t mostFind = job.global ? stride * (2 * static_cast<int64_t>(length) + 3) : stride;
-    int64_t findCapacity = job.global ? std::min<int64_t>(mostFind, stride * 256) : stride;
+    int64_t findCapacity = job.global ? std::min<int64_t>(mostFind, stride * 4096) : stride;
     int64_t dstCapacity = 2 * static_cast<int64_t>(length) + 64 + job.templateBytes;
     for (;;) {
         findCapacity = std::min<int64_t>(findCapacity, INT32_MAX);
