@@ -83,7 +83,7 @@ int64_t multiInput(MultiJob& job, const Input& in) {
             Pattern& p = job.patterns[i];
             zevsRegExpSetMatchLimit(matchLimitFor(p, size), p.global);
             zevsRegExpMultiAdd(p.global, static_cast<uint32_t>(i + 1), set);
-            capacity[i] = entriesPerMatch(p) * int64_t{4096};
+            capacity[i] = entriesPerMatch(p) * int64_t{16384};
         }
         std::vector<RegExpMultiResult> results(n);
         Progress progress(in.name(), size);
