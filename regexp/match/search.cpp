@@ -51,6 +51,7 @@ struct SkipPlan {
     int32_t candidate;     // the only byte of unknown cost, or -1
     int32_t uniform;       // the cost of every byte of known cost
     uint8_t cost[256];
+    uint8_t known[256];    // 1 where cost is known
 };
 
 // A pattern led by a greedy, unbounded repeat of one item (byte, character
@@ -74,6 +75,7 @@ struct Search {
     MatchContext ctx;
     const RegExpState* state;
     int32_t anchorMode;
+    bool branches;         // the pattern has a top-level bar
     SkipPlan plan;
     RunPlan run;
 };
@@ -384,6 +386,7 @@ void buildSkipPlan(Search* s) {
     // all known costs are the cost of that one way; the skip relies on it.
     plan.uniform = 0;
     for (int32_t b = 0; b < 256; ++b) {
+        plan.known[b] = plan.cost[b] != CostUnknown ? 1 : 0;
         if (plan.cost[b] != CostUnknown) {
             if (plan.uniform != 0 && plan.uniform != plan.cost[b]) {
                 plan.byByte = false;
@@ -451,6 +454,9 @@ int32_t attempt(const uint8_t* p, int32_t remaining, Search* s) {
         if (ownRegExpMatch(p, remaining, ctx) == 0) {
             return 0;
         }
+        if (!s->branches) {
+            return 1;
+        }
         int32_t i = ctx->currentNode;
         while (i < state->nodeCount && !(state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0)) {
             ++i;
@@ -463,12 +469,30 @@ int32_t attempt(const uint8_t* p, int32_t remaining, Search* s) {
     }
 }
 
-// The step from one place to the next.
+inline bool isContinuation(uint8_t b) {
+    return (b & 0xC0) == 0x80;
+}
+
+// The step from one place to the next. The two- and three-byte sequences
+// that prose is made of are measured here (C2..DF and E1..EF with their
+// continuation bytes are never overlong); everything else goes to
+// ownUtf8Length, whose answer these agree with.
 inline int32_t placeStep(const Search* s, const uint8_t* p) {
     if (s->ctx.format != 1) {
         return 1;
     }
-    return ownUtf8LengthInline(p, ownBytesToEnd(&s->ctx, p));
+    const int32_t left = ownBytesToEnd(&s->ctx, p);
+    const uint8_t b = left > 0 ? p[0] : 0;
+    if (b < 0x80) {
+        return 1;
+    }
+    if (b >= 0xC2 && b <= 0xDF && left >= 2 && isContinuation(p[1])) {
+        return 2;
+    }
+    if (b >= 0xE1 && b <= 0xEF && left >= 3 && isContinuation(p[1]) && isContinuation(p[2])) {
+        return 3;
+    }
+    return ownUtf8Length(p, left);
 }
 
 // Walks the places from `from` as the scan steps over them, up to the first
@@ -526,28 +550,37 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
     if (!plan.byByte) {
         return true;
     }
-    const void* hit;
+    const uint8_t* to = q;
+    int64_t places = 0;
     if (plan.candidate >= 0 && (ctx->format != 1 || plan.candidate < 0x80 || plan.candidate >= 0xC0)) {
         // A single byte of unknown cost: look for it. (An ASCII byte or a
         // lead byte is always a place: no sequence steps over it.)
-        hit = std::memchr(q, plan.candidate, static_cast<size_t>(end - q));
+        const void* hit = std::memchr(q, plan.candidate, static_cast<size_t>(end - q));
+        to = walkPlaces(s, q, hit ? static_cast<const uint8_t*>(hit) : end, &places);
     } else {
-        const uint8_t* scanAt = q;
-        while (scanAt < end && plan.cost[*scanAt] != CostUnknown) {
-            ++scanAt;
-        }
-        hit = scanAt;
-    }
-    // Count the places on the way: bytes, unless some were not ASCII.
-    const uint8_t* to = hit ? static_cast<const uint8_t*>(hit) : end;
-    int64_t places = to - q;
-    if (ctx->format == 1) {
-        uint32_t seen = 0;
-        for (const uint8_t* b = q; b < to; ++b) {
-            seen |= *b;
-        }
-        if ((seen & 0x80) != 0) {
-            to = walkPlaces(s, q, to, &places);
+        // Eight ASCII bytes of known cost at a time; where a block holds
+        // something else, place by place through it (a byte from 0x80 up is
+        // a place of its sequence's length in format 1).
+        for (;;) {
+            if (end - to >= 8) {
+                uint64_t word;
+                std::memcpy(&word, to, sizeof word);
+                if ((word & 0x8080808080808080ull) == 0 &&
+                    (plan.known[to[0]] & plan.known[to[1]] & plan.known[to[2]] & plan.known[to[3]] &
+                     plan.known[to[4]] & plan.known[to[5]] & plan.known[to[6]] & plan.known[to[7]]) != 0) {
+                    to += 8;
+                    places += 8;
+                    continue;
+                }
+            }
+            const uint8_t* stop = end - to > 8 ? to + 8 : end;
+            while (to < stop && plan.known[*to] != 0) {
+                to += (*to < 0x80 || ctx->format != 1) ? 1 : placeStep(s, to);
+                ++places;
+            }
+            if (to < stop || to >= end) {
+                break;
+            }
         }
     }
     if (!charge(ctx, places * plan.uniform)) {
@@ -828,6 +861,10 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     ctx.stackLimit = ownStackGuardLimit();
     s.state = state;
     s.anchorMode = anchorModeOf(state);
+    s.branches = false;
+    for (int32_t i = 0; i < state->nodeCount && !s.branches; ++i) {
+        s.branches = state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0;
+    }
     s.plan.byByte = false;
     s.plan.lineStart = false;
     s.run.usable = false;
