@@ -325,6 +325,7 @@ zevStatus ownRegExpTranslate(CompileState* cs) {
             }
             break;
         case '.':
+            ownFlushRun(cs);   // the run ends in front of the cursor: flush before moving it
             ++cs->cursor;
             appendCharType(cs, '.');
             break;
