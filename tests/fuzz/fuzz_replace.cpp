@@ -47,7 +47,8 @@ Replaced replace(const ExactBuffer<uint8_t>& subject, int32_t capacity, int32_t 
     if (r.status != zevStatusOk) return r;
     FUZZ_CHECK(r.srcLen >= 0 && r.srcLen <= static_cast<int32_t>(subject.size));
     FUZZ_CHECK(r.dstLen >= 0 && r.dstLen <= capacity);
-    FUZZ_CHECK(findCount >= 0 && findCount <= (findCapacity > 0 ? findCapacity : 0));
+    if (findCapacity < 1) FUZZ_CHECK(findCount == findCapacity);   // refused by the search: no match
+    else FUZZ_CHECK(findCount >= 0 && findCount <= findCapacity);
     r.out.assign(dst.data + Guard, dst.data + Guard + r.dstLen);
     return r;
 }

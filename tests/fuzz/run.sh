@@ -28,6 +28,7 @@ cmake -S . -B "$build" -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
       -DZEVCH_BUILD_BENCH=OFF -DZEVCH_BUILD_TOOLS=OFF >/dev/null
 cmake --build "$build" -j"${ZEVCH_FUZZ_JOBS:-2}" --target $(printf 'fuzz_%s ' "${targets[@]}")
 
+export LSAN_OPTIONS="suppressions=$PWD/tests/fuzz/lsan.supp ${LSAN_OPTIONS:-}"
 status=0
 for t in "${targets[@]}"; do
   rm -rf "$work/$t/crashes"   # only what this run finds is saved
