@@ -36,6 +36,10 @@ TEST(MatchGroups, RepeatedGroupKeepsTheLastIteration) {
     // (a|b)*c on "abd": no match, and every count given back on the way.
     EXPECT_EQ(groups("(a|b)*c", "abd"), E({}));
     EXPECT_EQ(groups("(a|b)*d", "abd"), E({{0, 3}, {1, 1}}));
+    // A quantified group whose body ends in a repeat of width one.
+    EXPECT_EQ(groups("(a+)*b", "xaab"), E({{1, 3}, {1, 2}}));
+    EXPECT_EQ(groups("(a+)*c", "aab"), E({}));
+    EXPECT_EQ(groups("(?:a+)+b", "aaab"), E({{0, 4}}));
 }
 
 TEST(MatchGroups, BranchesAndTheWholeLength) {

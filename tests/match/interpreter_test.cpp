@@ -49,6 +49,8 @@ TEST(MatchInterpreter, PropertiesAndClusters) {
     EXPECT_EQ(whole("\\p{Lu}", "a\xC3\x89"), (Entry{1, 2}));
     EXPECT_EQ(whole("\\P{L}", "ab1"), (Entry{2, 1}));
     EXPECT_EQ(whole("\\p{Greek}", "a\xCE\xB1"), (Entry{1, 2}));
+    EXPECT_EQ(whole("\\p{InGreek}", "a\xCE\xB1"), (Entry{1, 2}));
+    EXPECT_EQ(whole("\\p{Any}", "\xE2\x82\xAC"), (Entry{0, 3}));
     // e + combining acute is one cluster; a mark alone begins none.
     EXPECT_EQ(whole("\\X", "e\xCC\x81" "a"), (Entry{0, 3}));
     EXPECT_EQ(whole("\\Xa", "\xCC\x81" "ba"), (Entry{2, 2}));
@@ -61,6 +63,11 @@ TEST(MatchInterpreter, AnyByteAndRepeatHandOver) {
     EXPECT_EQ(whole("a*", ""), (Entry{0, 0}));
     EXPECT_EQ(whole("[ab]+c", "xabac"), (Entry{1, 4}));
     EXPECT_EQ(whole("[^a]", "\xE2\x82\xAC"), (Entry{0, 3}));
+    // Each single-item family goes to its repeat matcher.
+    EXPECT_EQ(whole("(a)\\1+b", "aaab"), (Entry{0, 4}));
+    EXPECT_EQ(whole("\\C+?\\x{20ac}", "ab\xE2\x82\xAC"), (Entry{0, 5}));
+    EXPECT_EQ(whole("\\X+", "e\xCC\x81" "a"), (Entry{0, 4}));
+    EXPECT_EQ(whole("\\x{e9}+", "\xC3\xA9\xC3\xA9x"), (Entry{0, 4}));
 }
 
 TEST(MatchInterpreter, RepeatsWithoutOperandNeverRun) {

@@ -87,6 +87,9 @@ TEST(MatchAtomic, BodyIsFinal) {
     EXPECT_EQ(whole("(?>a){0}b", "ab"), (Entry{1, 1}));
     EXPECT_EQ(whole("(?>ab)*?c", "ababc"), (Entry{0, 5}));
     EXPECT_EQ(whole("(?>ab){2,}?", "ababab"), (Entry{0, 4}));
+    EXPECT_EQ(whole("(?>a)*?c", "aab"), (Entry{-1, -1}));
+    EXPECT_EQ(whole("(?>x?)+?b", "b"), (Entry{0, 1}));
+    EXPECT_EQ(whole("(?>x?)+?b", "c"), (Entry{-1, -1}));
     // Captures in the body stay as the body set them when what follows fails.
     Options o;
     o.capacity = 3;
