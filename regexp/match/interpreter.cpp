@@ -38,6 +38,24 @@ inline const RegExpNode* repeatBehind(const MatchContext* ctx, int32_t cur) {
     return isRepeatKind(next->kind) ? next : nullptr;
 }
 
+// The repeat that NodeClass and NodeAtomic look for at index t, behind their
+// items or body: a greedy 1 to 1 when there is none.
+struct Bounds {
+    bool lazy;
+    int32_t min;
+    int32_t max;
+};
+
+inline Bounds boundsAt(const MatchContext* ctx, int32_t t) {
+    if (t < ctx->endNode) {
+        const RegExpNode& rep = ctx->nodes[t];
+        if (isRepeatKind(rep.kind)) {
+            return {rep.kind == NodeRepeatLazy, rep.word1, rep.word2};
+        }
+    }
+    return {false, 1, 1};
+}
+
 // Compares `count` subject bytes at p with `pattern`, ASCII case-blind when
 // asked. The subject's byte goes first, as ownEqualIgnoreAsciiCase expects.
 bool equalBytes(const uint8_t* p, const uint8_t* pattern, int32_t count, bool ignoreCase) {
@@ -143,17 +161,57 @@ __attribute__((noinline)) int32_t stepItem(const uint8_t* p, const MatchContext*
     return verdict > 0 ? length : NoStep;
 }
 
-// Hands a repeated single item to its repeat matcher. `lazyFn` and
-// `greedyFn` are the pair of the item's family.
-using RepeatFn = int32_t (*)(const uint8_t*, int32_t, MatchContext*);
-
-inline int32_t runRepeat(const uint8_t* p, int32_t remaining, MatchContext* ctx,
-                         const RegExpNode* repeat, RepeatFn lazyFn, RepeatFn greedyFn) {
-    if (remaining == 0 && repeat->word1 >= 1) {
+// One single step of the items that have a repeat check, NodeChar apart
+// (it is compared inline). Gives the bytes to consume or NoStep.
+__attribute__((noinline)) int32_t stepSingle(const uint8_t* p, int32_t remaining, const MatchContext* ctx,
+                                             const RegExpNode& node) {
+    switch (node.kind) {
+    case NodeBackRef:
+        return stepBackRef(p, remaining, ctx, node);
+    case NodeCharType:
+        return stepCharType(p, ctx, node);
+    case NodeAnyByte:
         return 1;
+    case NodeWideChar:
+        return stepWideChar(p, ctx, node);
+    case NodeGrapheme: {
+        // A cluster is read within the search area, as the repeats of \X
+        // read it, so that \X and \X{1} agree.
+        const int32_t n = ownReadCluster(p, remaining);
+        return n > 0 ? n : NoStep;
     }
-    return repeat->kind == NodeRepeatLazy ? lazyFn(p, remaining, ctx) : greedyFn(p, remaining, ctx);
+    default:   // NodeProperty, NodeBlock, NodeScript
+        return stepItem(p, ctx, node);
+    }
 }
+
+// The repeat matchers of the single items, by kind: lazy and greedy. Kinds
+// without a repeat check have none.
+using RepeatFn = int32_t (*)(const uint8_t*, int32_t, MatchContext*);
+struct RepeatPair {
+    RepeatFn lazy;
+    RepeatFn greedy;
+};
+constexpr RepeatPair NoRepeat = {nullptr, nullptr};
+constexpr RepeatPair RepeatMatchers[] = {
+    {ownRepeatCharLazy, ownRepeatChar},             // NodeChar
+    NoRepeat,                                       // NodeString
+    {ownRepeatBackRefLazy, ownRepeatBackRef},       // NodeBackRef
+    NoRepeat,                                       // NodeClass (its own)
+    {ownRepeatCharTypeLazy, ownRepeatCharType},     // NodeCharType
+    NoRepeat, NoRepeat, NoRepeat, NoRepeat, NoRepeat,   // NodeAssert .. NodeRepeat
+    NoRepeat, NoRepeat, NoRepeat, NoRepeat,             // the lookaround heads
+    NoRepeat, NoRepeat, NoRepeat, NoRepeat, NoRepeat,   // group heads, NodeAtomic (its own)
+    NoRepeat, NoRepeat,                                 // NodeClose, NodeSetOptions
+    {ownRepeatAnyByteLazy, ownRepeatAnyByte},       // NodeAnyByte
+    {ownRepeatWideCharLazy, ownRepeatItem},         // NodeWideChar
+    {ownRepeatItemLazy, ownRepeatItem},             // NodeProperty
+    {ownRepeatItemLazy, ownRepeatItem},             // NodeBlock
+    {ownRepeatItemLazy, ownRepeatItem},             // NodeScript
+    {ownRepeatGraphemeLazy, ownRepeatGrapheme},     // NodeGrapheme
+};
+static_assert(sizeof RepeatMatchers / sizeof RepeatMatchers[0] == NodeKindCount,
+              "one pair of repeat matchers per node kind");
 
 }  // namespace
 
@@ -199,19 +257,39 @@ int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx) {
         const RegExpNode& node = ctx->nodes[cur];
         static_assert(NodeGrapheme - NodeKindFirst + 1 == NodeKindCount, "dispatch covers every kind");
         switch (node.kind) {
-        case NodeChar: {
+        case NodeChar:
+        case NodeBackRef:
+        case NodeCharType:
+        case NodeAnyByte:
+        case NodeWideChar:
+        case NodeProperty:
+        case NodeBlock:
+        case NodeScript:
+        case NodeGrapheme: {
+            // A single item: a repeat behind it goes to the item's repeat
+            // matcher; without one, one step and the rest of the range.
             if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatCharLazy, ownRepeatChar);
+                if (remaining == 0 && rep->word1 >= 1) {
+                    return 1;
+                }
+                const RepeatPair& pair = RepeatMatchers[node.kind - NodeKindFirst];
+                return (rep->kind == NodeRepeatLazy ? pair.lazy : pair.greedy)(p, remaining, ctx);
             }
             if (remaining == 0) {
+                return 1;   // for a back-reference even when the capture is empty
+            }
+            int32_t n;
+            if (node.kind == NodeChar) {
+                const uint8_t want = static_cast<uint8_t>(node.word1);
+                const bool same = (ctx->flags & OptionIgnoreCase) ? ownEqualIgnoreAsciiCase(*p, want) : *p == want;
+                n = same ? 1 : NoStep;
+            } else {
+                n = stepSingle(p, remaining, ctx, node);
+            }
+            if (n == NoStep) {
                 return 1;
             }
-            const uint8_t want = static_cast<uint8_t>(node.word1);
-            const bool same = (ctx->flags & OptionIgnoreCase) ? ownEqualIgnoreAsciiCase(*p, want) : *p == want;
-            if (!same) {
-                return 1;
-            }
-            CONSUME(1);
+            CONSUME(n);
         }
         case NodeString: {
             if (remaining == 0) {
@@ -223,44 +301,10 @@ int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx) {
             }
             CONSUME(n);
         }
-        case NodeBackRef: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatBackRefLazy, ownRepeatBackRef);
-            }
-            if (remaining == 0) {
-                return 1;   // even for an empty capture
-            }
-            const int32_t n = stepBackRef(p, remaining, ctx, node);
-            if (n == NoStep) {
-                return 1;
-            }
-            CONSUME(n);
-        }
         case NodeClass: {
-            const int32_t t = cur + node.word2 + 1;
-            if (t < ctx->endNode) {
-                const RegExpNode& rep = ctx->nodes[t];
-                if (rep.kind == NodeRepeatLazy) {
-                    return ownRepeatClassLazy(p, remaining, ctx, rep.word1, rep.word2);
-                }
-                if (rep.kind == NodeRepeat) {
-                    return ownRepeatClass(p, remaining, ctx, rep.word1, rep.word2);
-                }
-            }
-            return ownRepeatClass(p, remaining, ctx, 1, 1);
-        }
-        case NodeCharType: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatCharTypeLazy, ownRepeatCharType);
-            }
-            if (remaining == 0) {
-                return 1;
-            }
-            const int32_t n = stepCharType(p, ctx, node);
-            if (n == NoStep) {
-                return 1;
-            }
-            CONSUME(n);
+            const Bounds b = boundsAt(ctx, cur + node.word2 + 1);   // behind the items
+            return b.lazy ? ownRepeatClassLazy(p, remaining, ctx, b.min, b.max)
+                          : ownRepeatClass(p, remaining, ctx, b.min, b.max);
         }
         case NodeAssert:
             if (ownRegExpAssert(p, remaining, ctx) != 0) {
@@ -293,17 +337,9 @@ int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx) {
         case NodeGroup:
             return ownRegExpGroupOpen(p, remaining, ctx);
         case NodeAtomic: {
-            const int32_t t = cur + node.word2 + 2;
-            if (t < ctx->endNode) {
-                const RegExpNode& rep = ctx->nodes[t];
-                if (rep.kind == NodeRepeatLazy) {
-                    return ownRegExpAtomicLazy(p, remaining, ctx, rep.word1, rep.word2);
-                }
-                if (rep.kind == NodeRepeat) {
-                    return ownRegExpAtomic(p, remaining, ctx, rep.word1, rep.word2);
-                }
-            }
-            return ownRegExpAtomic(p, remaining, ctx, 1, 1);
+            const Bounds b = boundsAt(ctx, cur + node.word2 + 2);   // behind the NodeClose
+            return b.lazy ? ownRegExpAtomicLazy(p, remaining, ctx, b.min, b.max)
+                          : ownRegExpAtomic(p, remaining, ctx, b.min, b.max);
         }
         case NodeClose:
             return ownRegExpGroupClose(p, remaining, ctx);
@@ -311,58 +347,6 @@ int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx) {
             ctx->flags = static_cast<uint32_t>(node.word1);
             ctx->currentNode = cur + 1;
             continue;
-        case NodeAnyByte: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatAnyByteLazy, ownRepeatAnyByte);
-            }
-            if (remaining == 0) {
-                return 1;
-            }
-            CONSUME(1);
-        }
-        case NodeWideChar: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatWideCharLazy, ownRepeatItem);
-            }
-            if (remaining == 0) {
-                return 1;
-            }
-            const int32_t n = stepWideChar(p, ctx, node);
-            if (n == NoStep) {
-                return 1;
-            }
-            CONSUME(n);
-        }
-        case NodeProperty:
-        case NodeBlock:
-        case NodeScript: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatItemLazy, ownRepeatItem);
-            }
-            if (remaining == 0) {
-                return 1;
-            }
-            const int32_t n = stepItem(p, ctx, node);
-            if (n == NoStep) {
-                return 1;
-            }
-            CONSUME(n);
-        }
-        case NodeGrapheme: {
-            if (const RegExpNode* rep = repeatBehind(ctx, cur)) {
-                return runRepeat(p, remaining, ctx, rep, ownRepeatGraphemeLazy, ownRepeatGrapheme);
-            }
-            if (remaining == 0) {
-                return 1;
-            }
-            // A cluster is read within the search area, as the repeats of
-            // \X read it, so that \X and \X{1} agree.
-            const int32_t n = ownReadCluster(p, remaining);
-            if (n <= 0) {
-                return 1;
-            }
-            CONSUME(n);
-        }
         default:
             return 1;   // not a node kind
         }
