@@ -211,7 +211,9 @@ TEST(HostileSubjects, UnlimitedBudgetEndsOnTheStackGuard) {
     const size_t size = Instrumented ? (1u << 20) : (4u << 20);
     std::vector<uint8_t> subject(size, 'a');
     // No trailing literal, so the subject is not cut short before the search.
-    for (const char* pattern : {"(a)*\\d", "(?:a|b)*\\d", "a*?\\d", "(?:(a)|b)+\\d", "(?>a|b)*\\d"}) {
+    // (A lazy repeat is left out: without a budget it tries every length at
+    // every start, quadratic by design rather than deep.)
+    for (const char* pattern : {"(a)*\\d", "(?:a|b)*\\d", "(?:(a)|b)+\\d", "(?>a|b)*\\d"}) {
         RegExpState* state = nullptr;
         int32_t err = 0;
         ASSERT_EQ(zevsRegExpInitAlloc(pattern, "", &state, &err), zevStatusOk) << pattern;
