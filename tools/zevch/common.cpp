@@ -291,7 +291,12 @@ Arguments parseArguments(int argc, char** argv, const OptionTable& accepted, con
             }
             if (name == "help") {
                 a.help = true;
-            } else if (listed(accepted.longFlags, name) && !inlineValue) {
+            } else if (listed(accepted.longFlags, name)) {
+                if (inlineValue) {
+                    toolError("%s: --%s takes no value", command, name.c_str());
+                    a.bad = true;
+                    return a;
+                }
                 a.longFlags.push_back(name);
             } else if (listed(accepted.longValued, name)) {
                 if (!inlineValue) {
