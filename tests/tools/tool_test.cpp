@@ -1,6 +1,10 @@
 // The zevch command run as a process on files in a scratch directory.
 #include <gtest/gtest.h>
 
+#ifdef ZEVCH_HAVE_PCRE2
+#define PCRE2_CODE_UNIT_WIDTH 8
+#include <pcre2.h>
+#endif
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -8,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -272,5 +277,55 @@ TEST_F(Tool, LargeInput) {
     EXPECT_EQ(r.out.size(), text.size() - 5 * (static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) -
                                                static_cast<size_t>(expected)));
 }
+
+#ifdef ZEVCH_HAVE_PCRE2
+// Line counts and -o output of `zevch grep` against PCRE2 run line by line,
+// on random lines with empty lines, CRs and a last line without a newline.
+TEST_F(Tool, GrepAgreesWithPcre2LineByLine) {
+    std::mt19937 rng(7);
+    const char alphabet[] = "ab c\r12-";
+    std::vector<std::string> lines;
+    std::string text;
+    for (int i = 0; i < 400; ++i) {
+        std::string line;
+        const int len = static_cast<int>(rng() % 14);
+        for (int k = 0; k < len; ++k) line += alphabet[rng() % (sizeof alphabet - 1)];
+        lines.push_back(line);
+        text += line;
+        if (i != 399) text += '\n';
+    }
+    const std::string f = write("random.txt", text);
+    for (const char* pattern : {"a", "ab|ba", "^a", "c$", "\\d+", "[ab]{2,}", "a\\r", "^$", "(a|b)c?\\d",
+                                "\\bab", "-\\S*"}) {
+        int error = 0;
+        PCRE2_SIZE offset = 0;
+        pcre2_code* code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(pattern), PCRE2_ZERO_TERMINATED, 0,
+                                         &error, &offset, nullptr);
+        ASSERT_NE(code, nullptr) << pattern;
+        pcre2_match_data* md = pcre2_match_data_create_from_pattern(code, nullptr);
+        int64_t matching = 0;
+        std::string matches;
+        for (const std::string& line : lines) {
+            const auto* subject = reinterpret_cast<PCRE2_SPTR>(line.data());
+            PCRE2_SIZE at = 0;
+            bool any = false;
+            while (at <= line.size() &&
+                   pcre2_match(code, subject, line.size(), at, 0, md, nullptr) >= 0) {
+                any = true;
+                const PCRE2_SIZE* ov = pcre2_get_ovector_pointer(md);
+                if (ov[1] > ov[0]) matches += line.substr(ov[0], ov[1] - ov[0]) + "\n";
+                at = ov[1] > ov[0] ? ov[1] : ov[1] + 1;
+            }
+            matching += any ? 1 : 0;
+        }
+        pcre2_match_data_free(md);
+        pcre2_code_free(code);
+        Outcome r = run({"grep", "-c", "-e", pattern, f});
+        EXPECT_EQ(r.out, std::to_string(matching) + "\n") << pattern;
+        r = run({"grep", "-o", "-e", pattern, f});
+        EXPECT_EQ(r.out, matches) << pattern;
+    }
+}
+#endif
 
 }  // namespace

@@ -22,6 +22,7 @@ const char* const GrepHelp =
     "  -o            print each non-empty match on a line of its own\n"
     "  -n            prefix the line number\n"
     "  -l            print only the names of files with a match\n"
+    "  -e PATTERN    the pattern, also one that starts with - (or put -- before it)\n"
     "  --whole       search each input as one subject\n"
     "  --limit N     match limit of each search, in interpreter steps (default:\n"
     "                10000 plus 256 per byte of the subject)\n"
