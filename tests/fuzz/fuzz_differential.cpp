@@ -62,12 +62,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         subjectBytes.swap(longer);
     }
 
-    const CText pattern(patternBytes);
-    const CText options(letters);
-    RegExpState* state = nullptr;
-    int32_t err = 0;
-    if (zevsRegExpInitAlloc(pattern.c_str(), options.c_str(), &state, &err) != zevStatusOk) return 0;
-    zevsRegExpSetMatchLimit(limit, state);
+    RegExpState* state = fuzzCompile(patternBytes, letters, limit);
+    if (state == nullptr) return 0;
     zevsRegExpSetFormat((control >> 1) & 1, state);
 
     const ExactBuffer<uint8_t> subject(subjectBytes.data(), subjectBytes.size());

@@ -120,6 +120,19 @@ inline int32_t fuzzMatchLimit(FuzzInput& in) {
     return 100000;
 }
 
+// The pattern compiled by zevsRegExpInitAlloc with the given option letters
+// and match limit, or null when it does not compile. Free with zevsRegExpFree.
+inline RegExpState* fuzzCompile(const std::vector<uint8_t>& pattern, const std::vector<uint8_t>& letters,
+                                int32_t limit) {
+    const CText text(pattern);
+    const CText options(letters);
+    RegExpState* state = nullptr;
+    int32_t err = 0;
+    if (zevsRegExpInitAlloc(text.c_str(), options.c_str(), &state, &err) != zevStatusOk) return nullptr;
+    zevsRegExpSetMatchLimit(limit, state);
+    return state;
+}
+
 // Compiled pattern in a caller's block of exactly zevsRegExpGetSize bytes,
 // filled with garbage first, since the compiler must not read what it has not
 // written.

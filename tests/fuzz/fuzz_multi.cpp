@@ -50,6 +50,13 @@ Outcome find(const ExactBuffer<uint8_t>& subject, const RegExpMultiState* set, u
     return o;
 }
 
+// What an add, modify or delete must return: the id 0 is refused first, then
+// a missing slot gives `missing`.
+zevStatus expected(uint32_t id, int slot, zevStatus missing) {
+    if (id == 0) return zevStatusBadId;
+    return slot < 0 ? missing : zevStatusOk;
+}
+
 void sameOutcome(const Outcome& a, const Outcome& b) {
     for (size_t i = 0; i < a.records.size(); ++i) {
         const RegExpMultiResult& x = a.records[i];
@@ -77,14 +84,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // A pool of records, each used by at most one slot at a time.
     std::vector<RegExpState*> pool;
     for (size_t i = 0; i < 16 && pool.size() < 16; ++i) {
-        const CText pattern(texts[i % texts.size()]);
-        RegExpState* st = nullptr;
-        int32_t err = 0;
-        const char* options = (i & 1) ? "g" : "";
-        if (zevsRegExpInitAlloc(pattern.c_str(), options, &st, &err) == zevStatusOk) {
-            zevsRegExpSetMatchLimit(static_cast<int32_t>(50 + 300 * (i % 4)), st);
+        const std::vector<uint8_t> options = (i & 1) ? std::vector<uint8_t>{'g'} : std::vector<uint8_t>{};
+        if (RegExpState* st = fuzzCompile(texts[i % texts.size()], options, static_cast<int32_t>(50 + 300 * (i % 4))))
             pool.push_back(st);
-        }
     }
     if (pool.empty()) return 0;
     std::vector<bool> inUse(pool.size(), false);
@@ -117,47 +119,38 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const uint32_t id = op & 7;   // id 0 is refused by all three
         switch (op >> 6) {
             case 0:
-            case 1: {   // add
+            case 1: {   // add: the lowest free slot
                 const int r = freeRecord();
                 if (r < 0) break;
-                const zevStatus s = zevsRegExpMultiAdd(pool[r], id, set);
                 int slot = -1;
                 for (uint32_t i = 0; i < slots && slot < 0; ++i)
                     if (model[i].pattern == nullptr) slot = static_cast<int>(i);
-                if (id == 0) FUZZ_CHECK(s == zevStatusBadId);
-                else if (slot < 0) FUZZ_CHECK(s == zevStatusTableFull);
-                else {
-                    FUZZ_CHECK(s == zevStatusOk);
-                    model[slot] = Slot{pool[r], id};
-                    inUse[r] = true;
-                }
+                const zevStatus s = zevsRegExpMultiAdd(pool[r], id, set);
+                FUZZ_CHECK(s == expected(id, slot, zevStatusTableFull));
+                if (s != zevStatusOk) break;
+                model[slot] = Slot{pool[r], id};
+                inUse[r] = true;
                 break;
             }
-            case 2: {   // modify
+            case 2: {   // modify: the lowest slot with the id
                 const int r = freeRecord();
                 if (r < 0) break;
+                const int slot = lowestWithId(id);
                 const zevStatus s = zevsRegExpMultiModify(pool[r], id, set);
-                const int slot = id == 0 ? -1 : lowestWithId(id);
-                if (id == 0) FUZZ_CHECK(s == zevStatusBadId);
-                else if (slot < 0) FUZZ_CHECK(s == zevStatusEntryNotFound);
-                else {
-                    FUZZ_CHECK(s == zevStatusOk);
-                    release(model[slot].pattern);
-                    model[slot].pattern = pool[r];
-                    inUse[r] = true;
-                }
+                FUZZ_CHECK(s == expected(id, slot, zevStatusEntryNotFound));
+                if (s != zevStatusOk) break;
+                release(model[slot].pattern);
+                model[slot].pattern = pool[r];
+                inUse[r] = true;
                 break;
             }
-            default: {   // delete
+            default: {   // delete: the lowest slot with the id
+                const int slot = lowestWithId(id);
                 const zevStatus s = zevsRegExpMultiDelete(id, set);
-                const int slot = id == 0 ? -1 : lowestWithId(id);
-                if (id == 0) FUZZ_CHECK(s == zevStatusBadId);
-                else if (slot < 0) FUZZ_CHECK(s == zevStatusEntryNotFound);
-                else {
-                    FUZZ_CHECK(s == zevStatusOk);
-                    release(model[slot].pattern);
-                    model[slot] = Slot{};
-                }
+                FUZZ_CHECK(s == expected(id, slot, zevStatusEntryNotFound));
+                if (s != zevStatusOk) break;
+                release(model[slot].pattern);
+                model[slot] = Slot{};
                 break;
             }
         }

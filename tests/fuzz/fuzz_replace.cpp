@@ -77,12 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FUZZ_CHECK(ts == zevStatusOk || ts == zevStatusRegExpBadReference);
     if (ts != zevStatusOk) return 0;
 
-    const CText pattern(patternBytes);
-    const CText options(letters);
-    RegExpState* state = nullptr;
-    int32_t err = 0;
-    if (zevsRegExpInitAlloc(pattern.c_str(), options.c_str(), &state, &err) != zevStatusOk) return 0;
-    zevsRegExpSetMatchLimit(limit, state);
+    RegExpState* state = fuzzCompile(patternBytes, letters, limit);
+    if (state == nullptr) return 0;
 
     const ExactBuffer<uint8_t> subject(subjectBytes.data(), subjectBytes.size());
     if (KnownWideCharOverrun && fuzzHasWideChar(state) && subject.size != 0) {
