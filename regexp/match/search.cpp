@@ -714,6 +714,9 @@ int32_t scan(const uint8_t* p, int32_t remaining, Search* s) {
             }
         }
         if (runs && rs.place == p && replayRunPlace(s, &rs, &p, &remaining, areaEnd)) {
+            if (remaining < 0) {
+                return 1;   // stepped over the end of the area
+            }
             continue;
         }
         const int32_t before = s->ctx.budget;
