@@ -119,6 +119,26 @@ inline Entry whole(const char* pattern, std::string_view subject, const char* op
     return r.entries.at(0);
 }
 
+// The smallest match limit with which the search does not end in
+// zevStatusRegExpMatchLimit, or -1 if there is none up to `cap`. A larger
+// limit must give the same outcome.
+inline int32_t unitsNeeded(const char* pattern, std::string_view subject, const char* options = nullptr,
+                           int32_t cap = 1000) {
+    StatePtr state = compile(pattern, options);
+    for (int32_t limit = 0; state && limit <= cap; ++limit) {
+        zevsRegExpSetMatchLimit(limit, state.get());
+        const Outcome found = search(state.get(), subject);
+        if (found.status != zevStatusRegExpMatchLimit) {
+            zevsRegExpSetMatchLimit(limit + 100, state.get());
+            const Outcome more = search(state.get(), subject);
+            EXPECT_EQ(more.status, found.status) << pattern;
+            EXPECT_EQ(more.entries, found.entries) << pattern;
+            return limit;
+        }
+    }
+    return -1;
+}
+
 inline std::vector<Entry> E(std::initializer_list<Entry> list) { return list; }
 
 }  // namespace matchcore

@@ -78,21 +78,15 @@ TEST(MatchInterpreter, RepeatsWithoutOperandNeverRun) {
 
 TEST(MatchInterpreter, BudgetOneUnitPerNode) {
     // A pattern of N nodes that matches straight through needs N units.
-    Options o;
-    o.limit = 4;
-    EXPECT_EQ(find("a\\db\\d", "a1b2", o).count, 1);
-    o.limit = 3;
-    EXPECT_EQ(find("a\\db\\d", "a1b2", o).status, zevStatusRegExpMatchLimit);
+    EXPECT_EQ(unitsNeeded("a\\db\\d", "a1b2"), 4);
     // Zero-width nodes cost their dispatch too.
-    o.limit = 2;
-    EXPECT_EQ(find("\\ba", "a", o).count, 1);
-    o.limit = 1;
-    EXPECT_EQ(find("\\ba", "a", o).status, zevStatusRegExpMatchLimit);
-    // A group costs its head, its body and its close: 3 units.
-    o.limit = 3;
-    EXPECT_EQ(find("(a)", "a", o).status, zevStatusOk);
-    o.limit = 2;
-    EXPECT_EQ(find("(a)", "a", o).status, zevStatusRegExpMatchLimit);
+    EXPECT_EQ(unitsNeeded("\\ba", "a"), 2);
+    EXPECT_EQ(unitsNeeded("(?=a)a", "a"), 3);
+    // A group costs its head, its body and its close.
+    EXPECT_EQ(unitsNeeded("(a)", "a"), 3);
+    // A failing search needs the units of all its places too, the end of
+    // the subject included (a is dispatched there and fails).
+    EXPECT_EQ(unitsNeeded("a\\d", "aaa"), 2 + 2 + 2 + 1);
 }
 
 TEST(MatchInterpreter, RejectEmptyAppliesAtTheEndOfEveryRange) {
