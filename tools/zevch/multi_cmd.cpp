@@ -2,6 +2,7 @@
 // the library's multi-pattern set.
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <string>
 #include <vector>
 
