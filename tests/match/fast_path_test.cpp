@@ -19,7 +19,7 @@ const char* const Atoms[] = {
     "(?<=a)", "\\b", "$", "x", "(?i:a)", "[^\\s@]", "\\p{L}", "\\1", "(?(1)a|b)", "(?m)^", "\\C", "\\X",
     "[^\\W\\d]", "(a)", "(?:ab)",
 };
-const char* const Quantifiers[] = {"", "", "", "*", "+", "?", "{2}", "{1,3}", "*?", "+?", "??", "{0,2}"};
+const char* const Quantifiers[] = {"", "", "", "*", "+", "?", "{2}", "{1,3}", "*?", "+?", "??", "{0,2}", "{2,}", "{3,}"};
 const char* const Pieces[] = {"a", "b", "c", "@", ".", "1", "2", "5", " ", "\n", "\xC3\xA9", "\xE2\x82\xAC",
                               "\x80", "A", "_", "x", "ab", "25", "a@b.c"};
 const char* const Options[] = {nullptr, "g", "i", "gi", "m", "gm", "s"};
