@@ -37,6 +37,15 @@ struct MatchContext {
     int32_t  subjectLength;      // true end of the subject: subject + subjectLength
     int32_t  fastPaths;          // 0: plain reference interpreter; 1: exact shortcuts on
     const char* stackLimit;      // lowest address the recursion may reach
+
+    // With fastPaths: where the last lookbehind's two walks from the
+    // subject's start stopped (byte offset, characters passed), so that the
+    // next one goes on from there instead of from the start. All 0 at the
+    // start of a search.
+    int32_t walkEnd;
+    int32_t walkEndCount;
+    int32_t walkStart;
+    int32_t walkStartCount;
 };
 
 // Bytes from p to the true end of the caller's subject (>= remaining).
