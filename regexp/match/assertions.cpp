@@ -65,23 +65,46 @@ bool assertionHolds(const uint8_t* p, int32_t remaining, const MatchContext* ctx
 // goes again over all but the last `width`. A sequence that straddles p (after
 // \C or a one-byte step of the driver) counts as the last character, and the
 // second walk never passes p.
-const uint8_t* lookbehindStart(const uint8_t* p, const MatchContext* ctx, int32_t width) {
+//
+// Both walks pass the same places whatever p is, so with the shortcuts on
+// each goes on from where the last one stopped, when that lies at or before
+// p: the walks of a scan cost the subject's length once, not once per place.
+const uint8_t* lookbehindStart(const uint8_t* p, MatchContext* ctx, int32_t width) {
+    const bool resume = ctx->fastPaths != 0;
     const uint8_t* walk = ctx->subject;
     int32_t count = 0;
+    if (resume && ctx->subject + ctx->walkEnd <= p) {
+        walk = ctx->subject + ctx->walkEnd;
+        count = ctx->walkEndCount;
+    }
     while (walk < p) {
         walk += ownUtf8Length(walk, ownBytesToEnd(ctx, walk));
         ++count;
     }
+    if (resume) {
+        ctx->walkEnd = static_cast<int32_t>(walk - ctx->subject);
+        ctx->walkEndCount = count;
+    }
     if (count < width) {
         return p - width;
     }
+    const int32_t target = count - width;
     const uint8_t* q = ctx->subject;
-    for (int32_t i = 0; i < count - width; ++i) {
+    int32_t passed = 0;
+    if (resume && ctx->walkStartCount <= target && ctx->subject + ctx->walkStart <= p) {
+        q = ctx->subject + ctx->walkStart;
+        passed = ctx->walkStartCount;
+    }
+    for (; passed < target; ++passed) {
         const int32_t step = ownUtf8Length(q, ownBytesToEnd(ctx, q));
         if (q + step > p) {
             break;
         }
         q += step;
+    }
+    if (resume) {
+        ctx->walkStart = static_cast<int32_t>(q - ctx->subject);
+        ctx->walkStartCount = passed;
     }
     return q;
 }

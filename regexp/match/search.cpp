@@ -862,6 +862,10 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     ctx.subjectLength = srcLen;
     ctx.fastPaths = fastPaths;
     ctx.stackLimit = ownStackGuardLimit();
+    ctx.walkEnd = 0;
+    ctx.walkEndCount = 0;
+    ctx.walkStart = 0;
+    ctx.walkStartCount = 0;
     s.state = state;
     s.anchorMode = anchorModeOf(state);
     s.branches = false;
