@@ -6,6 +6,13 @@
 // on a long subject; instead, the search takes the lowest address its
 // recursion may reach at start, and the interpreter ends the search with the
 // match-limit status when a frame would go below it (see interpreter.cpp).
+//
+// Depth per unit of budget (x86-64, -O2): every level of recursion has spent
+// at least one unit. A repeated group costs about 130 bytes of stack per unit
+// (two interpreter frames, an open and a close per iteration of two units),
+// an atomic repeat about 80, a lazy item repeat inside a repeated group up to
+// about 180. So the default limit of 10000 needs under 2 MB, and an 8 MB
+// stack never ends a default search early.
 #pragma once
 
 #include <cstddef>
