@@ -5,6 +5,7 @@
 // shows as a failure here.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstring>
 
 #include "regexp/match/match_internal.h"
@@ -76,6 +77,25 @@ TEST(PinnedBudgets, TableOfSearches) {
         }
         zevsRegExpFree(state);
     }
+}
+
+// The record sizes callers allocate, written out for each build rather than
+// computed from sizeof, so that a change of layout cannot follow silently.
+TEST(PinnedBudgets, RecordSizesOfThisBuild) {
+    int32_t size = 0;
+    ASSERT_EQ(zevsRegExpGetSize("", &size), zevStatusOk);
+    EXPECT_EQ(size, 40052);
+    ASSERT_EQ(zevsRegExpGetSize("0123456789", &size), zevStatusOk);
+    EXPECT_EQ(size, 40252);
+    ASSERT_EQ(zevsRegExpReplaceGetSize("$1-$2", &size), zevStatusOk);
+    EXPECT_EQ(size, 72);
+    uint32_t multi = 0;
+    ASSERT_EQ(zevsRegExpMultiGetSize(1000, &multi), zevStatusOk);
+#if UINTPTR_MAX == 0xFFFFFFFFu
+    EXPECT_EQ(multi, 8012u);    // 8 x n + 12
+#else
+    EXPECT_EQ(multi, 12024u);   // 12 x n + 24 on x86-64
+#endif
 }
 
 }  // namespace
