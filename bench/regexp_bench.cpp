@@ -1,7 +1,8 @@
 // bench/regexp_bench.cpp - counting all matches of three everyday patterns
 // in 6.8 MB of mixed prose, code and UTF-8 (the "Learn X in Y minutes"
 // text), with zevsRegExpFind_8u in global mode and, in the same run, with
-// PCRE2's interpreter (no JIT) as the peer.
+// PCRE2's interpreter (no JIT) as the peer, and PCRE2 with its JIT as the
+// engine to beat next.
 //
 // The text is read from $ZEVCH_BENCH_DATA (a directory) or from the shared
 // bench-data folder beside the source tree; without it the benchmarks are
@@ -114,7 +115,7 @@ void BM_Zevch(benchmark::State& st, const BenchPattern* bp) {
 }
 
 #ifdef ZEVCH_HAVE_PCRE2
-void BM_Pcre2Interpreter(benchmark::State& st, const BenchPattern* bp) {
+void BM_Pcre2(benchmark::State& st, const BenchPattern* bp, bool jit) {
     const std::string& text = inputText();
     if (text.empty()) {
         st.SkipWithError("bench-data/mariomka-input-text.txt not found (set ZEVCH_BENCH_DATA)");
@@ -124,6 +125,11 @@ void BM_Pcre2Interpreter(benchmark::State& st, const BenchPattern* bp) {
     PCRE2_SIZE errorOffset = 0;
     pcre2_code* code = pcre2_compile(reinterpret_cast<PCRE2_SPTR>(bp->pattern), PCRE2_ZERO_TERMINATED, 0,
                                      &errorCode, &errorOffset, nullptr);
+    if (jit && pcre2_jit_compile(code, PCRE2_JIT_COMPLETE) != 0) {
+        st.SkipWithError("PCRE2 JIT not available");
+        pcre2_code_free(code);
+        return;
+    }
     pcre2_match_context* mctx = pcre2_match_context_create(nullptr);
     pcre2_set_match_limit(mctx, UINT32_MAX);
     pcre2_set_depth_limit(mctx, UINT32_MAX);
@@ -156,7 +162,9 @@ const int registered = [] {
         benchmark::RegisterBenchmark((std::string("zevch/") + bp.name).c_str(), BM_Zevch, &bp)
             ->Unit(benchmark::kMillisecond);
 #ifdef ZEVCH_HAVE_PCRE2
-        benchmark::RegisterBenchmark((std::string("pcre2_interp/") + bp.name).c_str(), BM_Pcre2Interpreter, &bp)
+        benchmark::RegisterBenchmark((std::string("pcre2_interp/") + bp.name).c_str(), BM_Pcre2, &bp, false)
+            ->Unit(benchmark::kMillisecond);
+        benchmark::RegisterBenchmark((std::string("pcre2_jit/") + bp.name).c_str(), BM_Pcre2, &bp, true)
             ->Unit(benchmark::kMillisecond);
 #endif
     }
