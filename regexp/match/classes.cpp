@@ -228,7 +228,31 @@ inline CharAt readChar(const uint8_t* q, int32_t left) {
     return c;
 }
 
+// The set of the class at `head` under `flags`, from the search's cache or
+// built and remembered there. false when an item needs the per-character
+// check. The set depends on the nodes and the flags alone, so one build
+// serves every attempt of the search.
+bool cachedAsciiSet(MatchContext* ctx, int32_t head, uint32_t flags, AsciiSet& out) {
+    const int32_t used = std::min(ctx->classSetCount, ClassSetSlots);
+    for (int32_t i = 0; i < used; ++i) {
+        const ClassSetEntry& e = ctx->classSets[i];
+        if (e.head == head && e.flags == flags) {
+            out = AsciiSet{{e.bits[0], e.bits[1]}};
+            return e.reducible != 0;
+        }
+    }
+    const bool reducible = buildAsciiSet(ctx, head, flags, out);
+    // Round robin once all slots are taken: the count cycles through
+    // ClassSetSlots .. 2 * ClassSetSlots - 1 from then on.
+    const int32_t slot = ctx->classSetCount % ClassSetSlots;
+    ctx->classSets[slot] =
+        ClassSetEntry{head, flags, reducible ? 1 : 0, {reducible ? out.bits[0] : 0, reducible ? out.bits[1] : 0}};
+    ctx->classSetCount = ctx->classSetCount + 1 < 2 * ClassSetSlots ? ctx->classSetCount + 1 : ClassSetSlots;
+    return reducible;
+}
+
 struct ClassItems : Utf8Steps {
+    MatchContext* context;
     int32_t head;
     bool single;         // at most one character: the per-item check is cheaper
     uint32_t setFlags;   // the flags the set or the memo was made for
@@ -236,14 +260,20 @@ struct ClassItems : Utf8Steps {
     AsciiSet set;
     AsciiMemo memo;
 
-    ClassItems(MatchContext* context, int32_t classHead, int32_t max)
-        : Utf8Steps{context}, head(classHead), single(max <= 1) {
-        prepare(context->flags);
+    ClassItems(MatchContext* matchContext, int32_t classHead, int32_t max)
+        : Utf8Steps{matchContext}, context(matchContext), head(classHead), single(max <= 1) {
+        prepare(matchContext->flags);
     }
 
     void prepare(uint32_t flags) {
         setFlags = flags;
-        useSet = !single && buildAsciiSet(ctx, head, flags, set);
+        if (single) {
+            useSet = false;
+        } else if (context->fastPaths != 0) {
+            useSet = cachedAsciiSet(context, head, flags, set);
+        } else {
+            useSet = buildAsciiSet(context, head, flags, set);   // the reference: built per call
+        }
         memo = AsciiMemo{};
     }
 
@@ -281,8 +311,34 @@ struct ClassItems : Utf8Steps {
         unit = unit && c.size == 1;
         return c.size;
     }
+    // take() item by item, with the runs of ASCII bytes judged by the set in
+    // a tight loop: the same items in the same order. No continuation runs
+    // during a scan, so the flags stay those the set was made for.
     void scan(const uint8_t* p, int32_t remaining, int32_t& offset, int32_t& count, int32_t limit) {
-        scanByTaking(*this, p, remaining, offset, count, limit);
+        if (context->fastPaths == 0 || single || !useSet || context->flags != setFlags) {
+            scanByTaking(*this, p, remaining, offset, count, limit);
+            return;
+        }
+        const int32_t toEnd = ownBytesToEnd(ctx, p);
+        while (count < limit) {
+            int32_t o = offset;
+            int32_t n = count;
+            while (n < limit && o != remaining && o < toEnd && p[o] < 0x80 && set.has(p[o])) {
+                ++o;
+                ++n;
+            }
+            offset = o;
+            count = n;
+            if (n >= limit || o == remaining || o >= toEnd || p[o] < 0x80) {
+                return;
+            }
+            const int32_t size = take(p, offset, remaining);   // a byte from 0x80 up
+            if (size < 0) {
+                return;
+            }
+            offset += size;
+            ++count;
+        }
     }
 };
 

@@ -17,6 +17,16 @@
 
 #include "regexp/regexp_record.h"
 
+// One remembered class set: the 128 ASCII answers of the class at `head`
+// under `flags`, or reducible 0 when an item needs the per-character check.
+struct ClassSetEntry {
+    int32_t  head;
+    uint32_t flags;
+    int32_t  reducible;
+    uint64_t bits[2];
+};
+constexpr int32_t ClassSetSlots = 4;
+
 struct MatchContext {
     int32_t  currentNode;   // node to run next
     int32_t  endNode;       // exclusive end of the node range in progress
@@ -46,6 +56,13 @@ struct MatchContext {
     int32_t walkEndCount;
     int32_t walkStart;
     int32_t walkStartCount;
+
+    // The ASCII members of the classes that repeats have met in this search,
+    // keyed by head index and flags, so that a class's set is built once per
+    // search and not at every attempt. A zeroed context has none; the search
+    // sets classSetCount to 0.
+    ClassSetEntry classSets[ClassSetSlots];
+    int32_t classSetCount;
 };
 
 // Bytes from p to the true end of the caller's subject (>= remaining).

@@ -603,7 +603,7 @@ struct RunState {
 };
 
 // Bytes of the item the leading repeat takes at q, or -1 when it takes none.
-int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
+int32_t runItemSizeSlow(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
     if (q >= areaEnd || ownBytesToEnd(&s->ctx, q) <= 0) {
         return -1;
     }
@@ -620,6 +620,18 @@ int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
         return 1;
     }
     return ownUtf8LengthInline(q, ownBytesToEnd(&s->ctx, q));
+}
+
+// runItemSizeSlow with an ASCII byte whose answer the plan holds decided
+// here: the walks of learnRun and replayRunPlace ask once per byte.
+inline int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
+    if (q < areaEnd && q < s->ctx.subject + s->ctx.subjectLength && *q < 0x80) {
+        const int32_t takes = s->run.takes[*q];
+        if (takes >= 0) {
+            return takes != 0 ? 1 : -1;
+        }
+    }
+    return runItemSizeSlow(s, q, areaEnd);
 }
 
 // After a real attempt at p that failed having spent `spent` units: walks the
@@ -866,6 +878,7 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     ctx.walkEndCount = 0;
     ctx.walkStart = 0;
     ctx.walkStartCount = 0;
+    ctx.classSetCount = 0;
     s.state = state;
     s.anchorMode = anchorModeOf(state);
     s.branches = false;

@@ -54,7 +54,8 @@ std::string randomPattern(std::mt19937& rng) {
     }
     pattern += randomSequence(rng);
     if (rng() % 4 == 0) {
-        pattern += "|" + randomSequence(rng);
+        pattern += '|';
+        pattern += randomSequence(rng);
     }
     return pattern;
 }
@@ -122,6 +123,43 @@ TEST(MatchFastPaths, BudgetRunsOutMidSkip) {
                 const Outcome plain = searchOnce(state.get(), subject, 64, 0);
                 const Outcome fast = searchOnce(state.get(), subject, 64, 1);
                 ASSERT_EQ(plain, fast);
+            }
+        }
+    }
+}
+
+// Class repeats remember each class's ASCII set per head and flags for the
+// whole search, and scan ASCII runs by it. More classes than slots, the same
+// class under other flags (inline options, and a lazy repeat whose
+// continuation changes them), and multi-byte characters inside the runs:
+// the outcome must stay that of the plain walk, at every small limit.
+TEST(MatchFastPaths, RememberedClassSets) {
+    const char* const patterns[] = {
+        "[a-c]+[d-f]+[0-4]+[5-9]+[\\w.]+@",
+        "(?:[a-c]+(?i)[a-c]+(?-i)[x-z]*[^\\s]+)+",
+        "[a-c]*?(?i)[a-c]+(?-i)b",
+        "[a-c]*?(?i)z",   // a failed continuation leaves (?i) for the next take
+        "(?:[\\w.+-]+@|[\\w.-]+\\.)[\\w.-]{2,}",
+        "(?i:[k-m]+)[k-m]+\\b",
+        "[^\\s?#]+\\?[^\\s#]*",
+        "[\\w]+://[^/\\s?#]+[^\\s?#]+",
+    };
+    std::string subject;
+    for (int i = 0; i < 12; ++i) {
+        subject += "abcDEF0129 xy.z@q abCab \xC3\xA9k\xE2\x84\xAAlm KLM kl?x#y a.b/c://d.e/f?g \x80z aBz\n";
+    }
+    for (const char* pattern : patterns) {
+        for (const char* options : {"", "g", "gi"}) {
+            StatePtr state = compile(pattern, options);
+            for (int32_t limit = 0; limit < 1500; limit += 1 + limit / 6) {
+                zevsRegExpSetMatchLimit(limit, state.get());
+                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
+                ASSERT_EQ(searchOnce(state.get(), subject, 64, 0), searchOnce(state.get(), subject, 64, 1));
+            }
+            zevsRegExpSetMatchLimit(1000000, state.get());
+            for (size_t cut = 0; cut < 120; cut += 7) {
+                const std::string_view part(subject.data(), cut);
+                ASSERT_EQ(searchOnce(state.get(), part, 64, 0), searchOnce(state.get(), part, 64, 1)) << pattern;
             }
         }
     }
