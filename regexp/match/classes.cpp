@@ -233,35 +233,29 @@ inline CharAt readChar(const uint8_t* q, int32_t left) {
 // check. The set depends on the nodes and the flags alone, so one build
 // serves every attempt of the search.
 bool cachedAsciiSet(MatchContext* ctx, int32_t head, uint32_t flags, AsciiSet& out) {
-    const int32_t used = std::min(ctx->classSetCount, ClassSetSlots);
-    for (int32_t i = 0; i < used; ++i) {
-        const ClassSetEntry& e = ctx->classSets[i];
-        if (e.head == head && e.flags == flags) {
-            out = AsciiSet{{e.bits[0], e.bits[1]}};
-            return e.reducible != 0;
-        }
+    ClassSetEntry& e = ctx->classSets[static_cast<uint32_t>(head) % ClassSetSlots];
+    if (e.head1 == head + 1 && e.flags == flags) {
+        out = AsciiSet{{e.bits[0], e.bits[1]}};
+        return e.reducible != 0;
     }
     const bool reducible = buildAsciiSet(ctx, head, flags, out);
-    // Round robin once all slots are taken: the count cycles through
-    // ClassSetSlots .. 2 * ClassSetSlots - 1 from then on.
-    const int32_t slot = ctx->classSetCount % ClassSetSlots;
-    ctx->classSets[slot] =
-        ClassSetEntry{head, flags, reducible ? 1 : 0, {reducible ? out.bits[0] : 0, reducible ? out.bits[1] : 0}};
-    ctx->classSetCount = ctx->classSetCount + 1 < 2 * ClassSetSlots ? ctx->classSetCount + 1 : ClassSetSlots;
+    e = ClassSetEntry{head + 1, flags, reducible ? 1 : 0,
+                      {reducible ? out.bits[0] : 0, reducible ? out.bits[1] : 0}};
     return reducible;
 }
 
 struct ClassItems : Utf8Steps {
     MatchContext* context;
     int32_t head;
-    bool single;         // at most one character: the per-item check is cheaper
+    bool single;         // plain walk, at most one character: the per-item check is cheaper
     uint32_t setFlags;   // the flags the set or the memo was made for
     bool useSet;
     AsciiSet set;
     AsciiMemo memo;
 
     ClassItems(MatchContext* matchContext, int32_t classHead, int32_t max)
-        : Utf8Steps{matchContext}, context(matchContext), head(classHead), single(max <= 1) {
+        : Utf8Steps{matchContext}, context(matchContext), head(classHead),
+          single(max <= 1 && matchContext->fastPaths == 0) {
         prepare(matchContext->flags);
     }
 
@@ -347,6 +341,10 @@ struct ClassItems : Utf8Steps {
 int32_t ownCheckClass(const uint8_t* p, int32_t left, MatchContext* ctx, int32_t head) {
     if (left <= 0) {
         return -1;
+    }
+    AsciiSet set;
+    if (ctx->fastPaths != 0 && p[0] < 0x80 && cachedAsciiSet(ctx, head, ctx->flags, set)) {
+        return set.has(p[0]) ? 1 : -1;
     }
     CharAt c = readChar(p, left);
     return classAnswer(ctx, head, c.first, c.size, c.code);

@@ -17,15 +17,16 @@
 
 #include "regexp/regexp_record.h"
 
-// One remembered class set: the 128 ASCII answers of the class at `head`
-// under `flags`, or reducible 0 when an item needs the per-character check.
+// One remembered class set: the 128 ASCII answers of the class at head
+// index `head1 - 1` under `flags`, or reducible 0 when an item needs the
+// per-character check. head1 0 marks an empty slot.
 struct ClassSetEntry {
-    int32_t  head;
+    int32_t  head1;
     uint32_t flags;
     int32_t  reducible;
     uint64_t bits[2];
 };
-constexpr int32_t ClassSetSlots = 4;
+constexpr int32_t ClassSetSlots = 16;   // a power of two: slot = head % ClassSetSlots
 
 struct MatchContext {
     int32_t  currentNode;   // node to run next
@@ -57,12 +58,11 @@ struct MatchContext {
     int32_t walkStart;
     int32_t walkStartCount;
 
-    // The ASCII members of the classes that repeats have met in this search,
-    // keyed by head index and flags, so that a class's set is built once per
-    // search and not at every attempt. A zeroed context has none; the search
-    // sets classSetCount to 0.
+    // The ASCII members of the classes met in this search, one slot per head
+    // index modulo the slot count and keyed by head and flags, so that a
+    // class's set is built once per search and not at every attempt. All
+    // slots are empty (zeroed) at the start of a search.
     ClassSetEntry classSets[ClassSetSlots];
-    int32_t classSetCount;
 };
 
 // Bytes from p to the true end of the caller's subject (>= remaining).

@@ -17,6 +17,9 @@
 // Tested by tests/match/search_test.cpp and fast_path_test.cpp.
 #include <algorithm>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "regexp/match/match_internal.h"
 #include "regexp/match/stack_guard.h"
@@ -52,7 +55,14 @@ struct SkipPlan {
     int32_t uniform;       // the cost of every byte of known cost
     uint8_t cost[256];
     uint8_t known[256];    // 1 where cost is known
+    // 1..MaxUnknownRanges when every byte of unknown cost is ASCII and they
+    // form that many runs rangeLow[k]..rangeHigh[k]; 0 otherwise. The skip
+    // then looks for the first such byte sixteen bytes at a time.
+    int32_t rangeCount;
+    uint8_t rangeLow[4];
+    uint8_t rangeHigh[4];
 };
+constexpr int32_t MaxUnknownRanges = 4;
 
 // A pattern led by a greedy, unbounded repeat of one item (byte, character
 // type or class) whose continuation turns down, at its first node, every
@@ -330,12 +340,43 @@ int32_t failCost(Search* s, int32_t at, uint32_t flags, uint8_t b, int32_t depth
     }
 }
 
+// Sets plan.rangeCount and the ranges: the runs of ASCII bytes of unknown
+// cost, when there are at most MaxUnknownRanges of them and no byte from 0x80
+// up is unknown. An ASCII byte is never inside a multi-byte sequence, so the
+// first such byte from a place on is itself a place.
+void findUnknownRanges(SkipPlan& plan) {
+    plan.rangeCount = 0;
+    for (int32_t b = 0x80; b < 256; ++b) {
+        if (plan.known[b] == 0) {
+            return;
+        }
+    }
+    int32_t count = 0;
+    for (int32_t b = 0; b < 0x80; ++b) {
+        if (plan.known[b] != 0 || (b > 0 && plan.known[b - 1] == 0)) {
+            continue;   // not the first byte of a run
+        }
+        if (count == MaxUnknownRanges) {
+            return;
+        }
+        int32_t e = b;
+        while (e + 1 < 0x80 && plan.known[e + 1] == 0) {
+            ++e;
+        }
+        plan.rangeLow[count] = static_cast<uint8_t>(b);
+        plan.rangeHigh[count] = static_cast<uint8_t>(e);
+        ++count;
+    }
+    plan.rangeCount = count;
+}
+
 void buildSkipPlan(Search* s) {
     const RegExpState* state = s->state;
     SkipPlan& plan = s->plan;
     plan.byByte = false;
     plan.lineStart = false;
     plan.candidate = -1;
+    plan.rangeCount = 0;
     std::memset(plan.cost, CostUnknown, sizeof plan.cost);
     if (s->ctx.fastPaths == 0 || s->anchorMode != AnchorNone || state->nodeCount < 1) {
         return;
@@ -395,6 +436,7 @@ void buildSkipPlan(Search* s) {
             plan.uniform = plan.cost[b];
         }
     }
+    findUnknownRanges(plan);
 }
 
 void buildRunPlan(Search* s) {
@@ -522,6 +564,87 @@ inline bool charge(MatchContext* ctx, int64_t units) {
     return true;
 }
 
+#if defined(__SSE2__)
+// The bytes of v from low to low + width, as a bit mask.
+inline uint32_t bytesWithin(__m128i v, uint8_t low, uint8_t width) {
+    const __m128i d = _mm_sub_epi8(v, _mm_set1_epi8(static_cast<char>(low)));
+    return static_cast<uint32_t>(
+        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_min_epu8(d, _mm_set1_epi8(static_cast<char>(width))), d)));
+}
+
+// Counts the places among the bytes of v under `mask` (a run of low bits,
+// starting at a place) when its bytes from 0x80 up (`high`) are all leads
+// C2..DF and E1..EF, each followed inside the mask by exactly the
+// continuation bytes that placeStep takes with it, and no other continuation
+// bytes: every byte but those continuation bytes is then one place. false
+// when the block is not of that shape; the caller walks it.
+inline bool wellFormedPlaces(__m128i v, uint32_t mask, uint32_t high, int64_t* places) {
+    const uint32_t cont = bytesWithin(v, 0x80, 0x3F) & mask;
+    const uint32_t lead2 = bytesWithin(v, 0xC2, 0xDF - 0xC2) & mask;
+    const uint32_t lead3 = bytesWithin(v, 0xE1, 0xEF - 0xE1) & mask;
+    const uint32_t expected = (lead2 << 1) | (lead3 << 1) | (lead3 << 2);
+    if (expected != cont || (cont | lead2 | lead3) != high) {
+        return false;
+    }
+    *places += __builtin_popcount(mask) - __builtin_popcount(cont);
+    return true;
+}
+#endif
+
+// Walks the places from `to` whose bytes are of known cost, sixteen bytes at
+// a time, while sixteen bytes are left before `end`; adds the places passed
+// to *places. Stops at the first byte of an unknown range (a place), or where
+// fewer than sixteen bytes are left, or where a step overran `end`: the
+// byte-wise walk of skipPlaces goes on from there.
+const uint8_t* skipToUnknownRange(const Search* s, const uint8_t* to, const uint8_t* end, int64_t* places) {
+#if defined(__SSE2__)
+    const SkipPlan& plan = s->plan;
+    const bool utf8 = s->ctx.format == 1;
+    __m128i low[MaxUnknownRanges];
+    __m128i width[MaxUnknownRanges];
+    for (int32_t k = 0; k < plan.rangeCount; ++k) {
+        low[k] = _mm_set1_epi8(static_cast<char>(plan.rangeLow[k]));
+        width[k] = _mm_set1_epi8(static_cast<char>(plan.rangeHigh[k] - plan.rangeLow[k]));
+    }
+    int64_t n = 0;
+    while (end - to >= 16) {
+        const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(to));
+        __m128i in = _mm_setzero_si128();
+        for (int32_t k = 0; k < plan.rangeCount; ++k) {
+            // b - low, unsigned, is at most high - low inside the range.
+            const __m128i d = _mm_sub_epi8(v, low[k]);
+            in = _mm_or_si128(in, _mm_cmpeq_epi8(_mm_min_epu8(d, width[k]), d));
+        }
+        const uint32_t hits = static_cast<uint32_t>(_mm_movemask_epi8(in));
+        const int32_t span = hits != 0 ? __builtin_ctz(hits) : 16;
+        const uint32_t mask = span == 16 ? 0xFFFFu : (1u << span) - 1;
+        const uint32_t below = static_cast<uint32_t>(_mm_movemask_epi8(v)) & mask;
+        const uint8_t* stop = to + span;
+        if (!utf8 || below == 0) {
+            n += span;
+            to = stop;
+        } else if (wellFormedPlaces(v, mask, below, &n)) {
+            to = stop;
+        } else {
+            // A byte from 0x80 up is a place of its sequence's length.
+            while (to < stop) {
+                to += *to < 0x80 ? 1 : placeStep(s, to);
+                ++n;
+            }
+        }
+        if (hits != 0 || to >= end) {
+            break;
+        }
+    }
+    *places += n;
+#else
+    (void)s;
+    (void)end;
+    (void)places;
+#endif
+    return to;
+}
+
 // Skips the places from *p on that the plan knows to fail. false: the scan is
 // over without a match (budget gone, or the last step overran the area).
 bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
@@ -560,8 +683,15 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
     } else {
         // Eight ASCII bytes of known cost at a time; where a block holds
         // something else, place by place through it (a byte from 0x80 up is
-        // a place of its sequence's length in format 1).
+        // a place of its sequence's length in format 1). Past the first
+        // eight bytes, where the gap is long, sixteen at a time if the plan
+        // allows.
+        bool wide = plan.rangeCount > 0;
         for (;;) {
+            if (wide && to - q >= 8) {
+                wide = false;
+                to = skipToUnknownRange(s, to, end, &places);
+            }
             if (end - to >= 8) {
                 uint64_t word;
                 std::memcpy(&word, to, sizeof word);
@@ -878,7 +1008,7 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     ctx.walkEndCount = 0;
     ctx.walkStart = 0;
     ctx.walkStartCount = 0;
-    ctx.classSetCount = 0;
+    std::memset(ctx.classSets, 0, sizeof ctx.classSets);
     s.state = state;
     s.anchorMode = anchorModeOf(state);
     s.branches = false;

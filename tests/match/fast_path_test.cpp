@@ -139,6 +139,8 @@ TEST(MatchFastPaths, RememberedClassSets) {
         "(?:[a-c]+(?i)[a-c]+(?-i)[x-z]*[^\\s]+)+",
         "[a-c]*?(?i)[a-c]+(?-i)b",
         "[a-c]*?(?i)z",   // a failed continuation leaves (?i) for the next take
+        // more classes than slots: heads 16 apart share one
+        "(?:[a-c][d-f][0-4][5-9][g-i][j-l][m-o][p-r][s-u][v-x][y-z][A-C][D-F][G-I][J-L]\\d)+",
         "(?:[\\w.+-]+@|[\\w.-]+\\.)[\\w.-]{2,}",
         "(?i:[k-m]+)[k-m]+\\b",
         "[^\\s?#]+\\?[^\\s#]*",
@@ -146,7 +148,7 @@ TEST(MatchFastPaths, RememberedClassSets) {
     };
     std::string subject;
     for (int i = 0; i < 12; ++i) {
-        subject += "abcDEF0129 xy.z@q abCab \xC3\xA9k\xE2\x84\xAAlm KLM kl?x#y a.b/c://d.e/f?g \x80z aBz\n";
+        subject += "abcDEF0129 xy.z@q abCab \xC3\xA9k\xE2\x84\xAAlm KLM kl?x#y a.b/c://d.e/f?g \x80z aBz ad05gjmpsvyADGJ1ad05gjmpsvyADGJ2 ad05gjm\n";
     }
     for (const char* pattern : patterns) {
         for (const char* options : {"", "g", "gi"}) {
@@ -160,6 +162,53 @@ TEST(MatchFastPaths, RememberedClassSets) {
             for (size_t cut = 0; cut < 120; cut += 7) {
                 const std::string_view part(subject.data(), cut);
                 ASSERT_EQ(searchOnce(state.get(), part, 64, 0), searchOnce(state.get(), part, 64, 1)) << pattern;
+            }
+        }
+    }
+}
+
+// The skip over places of known cost sixteen bytes at a time: patterns whose
+// bytes of unknown cost make one to four ASCII ranges (and five, which the
+// byte-wise walk keeps), behind long gaps of prose with two-, three- and
+// four-byte characters, malformed and cut sequences and surrogate forms, at
+// every alignment against the sixteen-byte blocks, in both formats. The
+// place count, and so the budget charged, must be that of the plain walk.
+TEST(MatchFastPaths, WideSkipCountsPlaces) {
+    const char* const patterns[] = {
+        "(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9])\\.){3}",
+        "[0-9]{2}:",
+        "[a-c]x|[x-z]y",
+        "[+\\-]\\d|[A-F][0-9]|#!",
+        "[%&][0-9]|[<>]=|[{}][a-c]|~~|@@",   // five ranges
+        "(?:[0-4]|[6-8])[0-9]\\b",
+    };
+    const char* const fillers[] = {
+        "   ",         "\xD0\x9F\xD1\x80\xD0\xB8", "\xE4\xB8\xAD\xE6\x96\x87", "\xF0\x9F\x98\x80",
+        "\xED\xA0\x80", "\xC3",                       "\x80\x80",                     "\xE2\x82",
+        "\xC0\xAF",   "\xE0\xA4\xB9",                "Gg",                             "\xDF\xBF.",
+    };
+    std::mt19937 rng(7071);
+    for (int round = 0; round < 40; ++round) {
+        std::string subject(rng() % 16, 'q');   // shifts the blocks
+        while (subject.size() < 700) {
+            const int gap = static_cast<int>(rng() % 40);
+            for (int i = 0; i < gap; ++i) {
+                subject += pick(rng, fillers);
+            }
+            subject += pick(rng, {"12.250.3.4 ", "07:", "ax", "zy", "-5", "C9", "#!", "%3", "<=", "}b", "~~", "@@"});
+        }
+        for (const char* pattern : patterns) {
+            StatePtr state = compile(pattern, "g");
+            for (int32_t format = 0; format < 2; ++format) {
+                zevsRegExpSetFormat(format, state.get());
+                for (int32_t limit = 0; limit < 400; limit += 1 + limit / 5) {
+                    zevsRegExpSetMatchLimit(limit, state.get());
+                    SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
+                    ASSERT_EQ(searchOnce(state.get(), subject, 32, 0), searchOnce(state.get(), subject, 32, 1));
+                }
+                zevsRegExpSetMatchLimit(1000000, state.get());
+                ASSERT_EQ(searchOnce(state.get(), subject, 32, 0), searchOnce(state.get(), subject, 32, 1))
+                    << pattern;
             }
         }
     }

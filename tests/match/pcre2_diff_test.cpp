@@ -94,7 +94,7 @@ std::string sequence(std::mt19937& rng, int items, bool groupsOk, bool* allEmpty
             // compiler's run flush at a dot reads the dot for the literal.)
             const bool dotAfterLiteral = atom == "." && lastAtom.size() == 1;
             if ((charType && (lastClass || atom == lastAtom)) || dotAfterLiteral) {
-                atom = "x";
+                atom.assign(1, 'x');
                 literal = true;
             }
         }
