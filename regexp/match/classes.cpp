@@ -350,6 +350,46 @@ int32_t ownCheckClass(const uint8_t* p, int32_t left, MatchContext* ctx, int32_t
     return classAnswer(ctx, head, c.first, c.size, c.code);
 }
 
+namespace {
+
+// A class that takes at most one character (no quantifier, ?, {1}, {0,1}):
+// the greedy loop reduced to its one or two lengths. The character is taken
+// as ClassItems::take would take it; the continuation runs behind it, and
+// with a minimum of 0 then at the place itself, as greedyRepeat would run
+// them, shortcut included (runContinuation charges what skipToLiteral
+// charges for one place: a unit where the literal fails).
+int32_t classOptionalOne(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t head, int32_t next,
+                         int32_t min) {
+    int32_t size = -1;
+    const int32_t left = ownBytesToEnd(ctx, p);
+    if (remaining != 0 && left > 0) {
+        AsciiSet set;
+        if (p[0] < 0x80 && cachedAsciiSet(ctx, head, ctx->flags, set)) {
+            size = set.has(p[0]) ? 1 : -1;
+        } else {
+            const CharAt c = readChar(p, left);
+            size = classAnswer(ctx, head, c.first, c.size, c.code) < 0 ? -1 : c.size;
+        }
+    }
+    if (size < 0 && min >= 1) {
+        return 1;
+    }
+    const Continuation c = makeContinuation(ctx, next);
+    if (size > 0) {
+        ctx->captures[0].length += size;
+        if (runContinuation(c, p + size, remaining - size, ctx) == 0) {
+            return 0;
+        }
+        ctx->captures[0].length -= size;
+        if (min >= 1 || ctx->budget < 0) {
+            return 1;
+        }
+    }
+    return runContinuation(c, p, remaining, ctx);
+}
+
+}  // namespace
+
 // Greedy: the continuation is the node behind the items, or behind the
 // NodeRepeat that follows them.
 int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, int32_t min, int32_t max) {
@@ -357,6 +397,9 @@ int32_t ownRepeatClass(const uint8_t* p, int32_t remaining, MatchContext* ctx, i
     int32_t next = head + ctx->nodes[head].word2 + 1;
     if (next < ctx->endNode && ctx->nodes[next].kind == NodeRepeat) {
         ++next;
+    }
+    if (max == 1 && (min == 0 || min == 1) && ctx->fastPaths != 0) {
+        return classOptionalOne(p, remaining, ctx, head, next, min);
     }
     ClassItems items(ctx, head, max);
     return greedyRepeat(p, remaining, ctx, min, max, next, items);

@@ -19,6 +19,7 @@
 //
 // Tested by tests/match/group_test.cpp.
 #include "regexp/match/match_internal.h"
+#include "regexp/match/repeat_loops.h"
 
 namespace {
 
@@ -163,7 +164,10 @@ int32_t ownRegExpGroupOpen(const uint8_t* p, int32_t remaining, MatchContext* ct
     for (;;) {
         frame->iterationOpen = 1;
         frame->closeFailed = 0;
-        if (ownRegExpMatch(p, remaining, ctx) == 0) {
+        // A branch is run as a continuation: with the shortcuts on, one whose
+        // first node turns down the byte here is charged its one unit and
+        // not entered (see runContinuation).
+        if (zevch_match::runContinuation(zevch_match::makeContinuation(ctx, k), p, remaining, ctx) == 0) {
             return 0;
         }
         frame->iterationOpen = 0;

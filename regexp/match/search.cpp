@@ -565,6 +565,15 @@ inline bool charge(MatchContext* ctx, int64_t units) {
 }
 
 #if defined(__SSE2__)
+// Set bits of a 16-bit mask, without the library call that a build for
+// processors without a population count instruction makes of the builtin.
+inline int32_t bitCount16(uint32_t x) {
+    x = x - ((x >> 1) & 0x5555u);
+    x = (x & 0x3333u) + ((x >> 2) & 0x3333u);
+    x = (x + (x >> 4)) & 0x0F0Fu;
+    return static_cast<int32_t>((x + (x >> 8)) & 0x1Fu);
+}
+
 // The bytes of v from low to low + width, as a bit mask.
 inline uint32_t bytesWithin(__m128i v, uint8_t low, uint8_t width) {
     const __m128i d = _mm_sub_epi8(v, _mm_set1_epi8(static_cast<char>(low)));
@@ -574,20 +583,34 @@ inline uint32_t bytesWithin(__m128i v, uint8_t low, uint8_t width) {
 
 // Counts the places among the bytes of v under `mask` (a run of low bits,
 // starting at a place) when its bytes from 0x80 up (`high`) are all leads
-// C2..DF and E1..EF, each followed inside the mask by exactly the
-// continuation bytes that placeStep takes with it, and no other continuation
-// bytes: every byte but those continuation bytes is then one place. false
-// when the block is not of that shape; the caller walks it.
-inline bool wellFormedPlaces(__m128i v, uint32_t mask, uint32_t high, int64_t* places) {
+// C2..DF and E1..EF, each followed by exactly the continuation bytes that
+// placeStep takes with it, and no other continuation bytes: every byte but
+// those continuation bytes is then one place. A sequence whose lead is among
+// the last bytes of a full block may end behind it, before `end`; its
+// continuation bytes there are checked too. Returns the bytes that sequence
+// reaches behind the block (0 to 2), or -1 when the block is not of that
+// shape and the caller must walk it.
+inline int32_t wellFormedPlaces(__m128i v, uint32_t mask, uint32_t high, const uint8_t* stop, const uint8_t* end,
+                                int64_t* places) {
     const uint32_t cont = bytesWithin(v, 0x80, 0x3F) & mask;
     const uint32_t lead2 = bytesWithin(v, 0xC2, 0xDF - 0xC2) & mask;
     const uint32_t lead3 = bytesWithin(v, 0xE1, 0xEF - 0xE1) & mask;
     const uint32_t expected = (lead2 << 1) | (lead3 << 1) | (lead3 << 2);
-    if (expected != cont || (cont | lead2 | lead3) != high) {
-        return false;
+    if ((expected & mask) != cont || (cont | lead2 | lead3) != high) {
+        return -1;
     }
-    *places += __builtin_popcount(mask) - __builtin_popcount(cont);
-    return true;
+    const uint32_t behind = expected & ~mask;   // bits 16 and 17 only for a full block
+    const int32_t reach = (behind & (1u << 17)) != 0 ? 2 : (behind != 0 ? 1 : 0);
+    if (reach > end - stop) {
+        return -1;
+    }
+    for (int32_t i = 0; i < reach; ++i) {
+        if ((stop[i] & 0xC0) != 0x80) {
+            return -1;
+        }
+    }
+    *places += bitCount16(mask) - bitCount16(cont);
+    return reach;
 }
 #endif
 
@@ -623,8 +646,8 @@ const uint8_t* skipToUnknownRange(const Search* s, const uint8_t* to, const uint
         if (!utf8 || below == 0) {
             n += span;
             to = stop;
-        } else if (wellFormedPlaces(v, mask, below, &n)) {
-            to = stop;
+        } else if (const int32_t reach = wellFormedPlaces(v, mask, below, stop, end, &n); reach >= 0) {
+            to = stop + reach;
         } else {
             // A byte from 0x80 up is a place of its sequence's length.
             while (to < stop) {

@@ -214,4 +214,45 @@ TEST(MatchFastPaths, WideSkipCountsPlaces) {
     }
 }
 
+// Branches of a group whose first node turns down the byte are charged
+// without being entered, and a class that takes at most one character runs
+// its one or two continuations directly. Groups of branches led by bytes,
+// strings, types and classes, optional classes before literals, classes and
+// groups, on subjects with multi-byte and malformed characters and the area
+// ending inside one, at every small limit.
+TEST(MatchFastPaths, BranchesAndSingleClasses) {
+    const char* const patterns[] = {
+        "(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9])\\.",
+        "(?:ab|\\d[a-c]|[x-z]{2}|\\w\\.)+-",
+        "([01]?[0-9]){2}:|[^\\s]?\\x{e9}",
+        "(?:[a-c]?(?:b|c)|[\\x{e9}\\x{20ac}]?[^a-z]){1,3}z",
+        "[ab]?[ab]?[ab]?b",
+        "(?i)(?:[k-m]|\\x{212a})[^\\d]?x",
+        "(?:(?=a)[a-c]|b[^a]?)+\\b",
+    };
+    const char* const pieces[] = {"a", "b", "c", "z", "x", "K", "1", "2", "5", "9", ".", ":", "-", " ",
+                                  "\xC3\xA9", "\xE2\x82\xAC", "\xE2\x84\xAA", "\x80", "\xC3"};
+    std::mt19937 rng(4242);
+    for (int round = 0; round < 60; ++round) {
+        std::string subject;
+        const size_t length = 1 + rng() % 300;
+        while (subject.size() < length) {
+            subject += pick(rng, pieces);
+        }
+        for (const char* pattern : patterns) {
+            StatePtr state = compile(pattern, round % 2 == 0 ? "g" : "");
+            for (int32_t limit = 0; limit < 60; limit += 1 + limit / 10) {
+                zevsRegExpSetMatchLimit(limit, state.get());
+                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
+                ASSERT_EQ(searchOnce(state.get(), subject, 16, 0), searchOnce(state.get(), subject, 16, 1));
+            }
+            zevsRegExpSetMatchLimit(1000000, state.get());
+            ASSERT_EQ(searchOnce(state.get(), subject, 16, 0), searchOnce(state.get(), subject, 16, 1)) << pattern;
+            // The area cut inside the subject: a retry after an empty match.
+            const std::string_view part(subject.data(), subject.size() / 2);
+            ASSERT_EQ(searchOnce(state.get(), part, 16, 0), searchOnce(state.get(), part, 16, 1)) << pattern;
+        }
+    }
+}
+
 }  // namespace
