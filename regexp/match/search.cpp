@@ -59,10 +59,10 @@ struct SkipPlan {
     // form that many runs rangeLow[k]..rangeHigh[k]; 0 otherwise. The skip
     // then looks for the first such byte sixteen bytes at a time.
     int32_t rangeCount;
-    uint8_t rangeLow[4];
-    uint8_t rangeHigh[4];
+    uint8_t rangeLow[8];
+    uint8_t rangeHigh[8];
 };
-constexpr int32_t MaxUnknownRanges = 4;
+constexpr int32_t MaxUnknownRanges = 8;
 
 // A pattern led by a greedy, unbounded repeat of one item (byte, character
 // type or class) whose continuation turns down, at its first node, every
@@ -693,8 +693,8 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
         *p = to;
         return *remaining >= 0;
     }
-    if (!plan.byByte) {
-        return true;
+    if (!plan.byByte || (q < end && plan.known[*q] == 0)) {
+        return true;   // nothing to skip: an attempt is due here
     }
     const uint8_t* to = q;
     int64_t places = 0;

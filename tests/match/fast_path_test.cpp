@@ -168,7 +168,7 @@ TEST(MatchFastPaths, RememberedClassSets) {
 }
 
 // The skip over places of known cost sixteen bytes at a time: patterns whose
-// bytes of unknown cost make one to four ASCII ranges (and five, which the
+// bytes of unknown cost make one to eight ASCII ranges (and nine, which the
 // byte-wise walk keeps), behind long gaps of prose with two-, three- and
 // four-byte characters, malformed and cut sequences and surrogate forms, at
 // every alignment against the sixteen-byte blocks, in both formats. The
@@ -179,7 +179,9 @@ TEST(MatchFastPaths, WideSkipCountsPlaces) {
         "[0-9]{2}:",
         "[a-c]x|[x-z]y",
         "[+\\-]\\d|[A-F][0-9]|#!",
-        "[%&][0-9]|[<>]=|[{}][a-c]|~~|@@",   // five ranges
+        "[%&][0-9]|[<>]=|[{}][a-c]|~~|@@",
+        "[\\w.+-]+@",                        // six ranges
+        "[%&][0-9]|[<>]=|[{}][a-c]|~~|@@|!!|\\^\\^|''|\\$\\$|::",   // nine ranges
         "(?:[0-4]|[6-8])[0-9]\\b",
     };
     const char* const fillers[] = {
@@ -195,7 +197,8 @@ TEST(MatchFastPaths, WideSkipCountsPlaces) {
             for (int i = 0; i < gap; ++i) {
                 subject += pick(rng, fillers);
             }
-            subject += pick(rng, {"12.250.3.4 ", "07:", "ax", "zy", "-5", "C9", "#!", "%3", "<=", "}b", "~~", "@@"});
+            subject += pick(rng, {"12.250.3.4 ", "07:", "ax", "zy", "-5", "C9", "#!", "%3", "<=", "}b", "~~", "@@",
+                                       "!!", "^^", "''", "$$", "::", "x.y@z"});
         }
         for (const char* pattern : patterns) {
             StatePtr state = compile(pattern, "g");
