@@ -30,6 +30,26 @@ const T& pick(std::mt19937& rng, const T (&list)[N]) {
     return list[rng() % N];
 }
 
+// The search plain and with the shortcuts at every match limit from 0 up to
+// `below`, the steps widening by 1 + limit / spread, must agree in status,
+// entries and budget left.
+void expectAgreeAtLimits(RegExpState* state, std::string_view subject, int32_t capacity, int32_t below,
+                         int32_t spread, const char* pattern) {
+    for (int32_t limit = 0; limit < below; limit += 1 + limit / spread) {
+        zevsRegExpSetMatchLimit(limit, state);
+        ASSERT_EQ(searchOnce(state, subject, capacity, 0), searchOnce(state, subject, capacity, 1))
+            << pattern << " limit " << limit;
+    }
+}
+
+std::string repeated(std::string_view piece, int times) {
+    std::string out;
+    for (int i = 0; i < times; ++i) {
+        out += piece;
+    }
+    return out;
+}
+
 std::string randomSequence(std::mt19937& rng) {
     std::string out;
     const int n = 1 + static_cast<int>(rng() % 4);
@@ -110,20 +130,11 @@ TEST(MatchFastPaths, BudgetRunsOutMidSkip) {
         "ab|cd|@",
         "x+y",
     };
-    std::string subject;
-    for (int i = 0; i < 40; ++i) {
-        subject += "foo bar.baz 12.250.3.4 x@y.z xxxy http://a.b/c\n\xC3\xA9t\xC3\xA9 ";
-    }
+    const std::string subject = repeated("foo bar.baz 12.250.3.4 x@y.z xxxy http://a.b/c\n\xC3\xA9t\xC3\xA9 ", 40);
     for (const char* pattern : patterns) {
         for (const char* options : {"", "g"}) {
             StatePtr state = compile(pattern, options);
-            for (int32_t limit = 0; limit < 3000; limit += 1 + limit / 8) {
-                zevsRegExpSetMatchLimit(limit, state.get());
-                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
-                const Outcome plain = searchOnce(state.get(), subject, 64, 0);
-                const Outcome fast = searchOnce(state.get(), subject, 64, 1);
-                ASSERT_EQ(plain, fast);
-            }
+            expectAgreeAtLimits(state.get(), subject, 64, 3000, 8, pattern);
         }
     }
 }
@@ -146,18 +157,14 @@ TEST(MatchFastPaths, RememberedClassSets) {
         "[^\\s?#]+\\?[^\\s#]*",
         "[\\w]+://[^/\\s?#]+[^\\s?#]+",
     };
-    std::string subject;
-    for (int i = 0; i < 12; ++i) {
-        subject += "abcDEF0129 xy.z@q abCab \xC3\xA9k\xE2\x84\xAAlm KLM kl?x#y a.b/c://d.e/f?g \x80z aBz ad05gjmpsvyADGJ1ad05gjmpsvyADGJ2 ad05gjm\n";
-    }
+    const std::string subject = repeated(
+        "abcDEF0129 xy.z@q abCab \xC3\xA9k\xE2\x84\xAAlm KLM kl?x#y a.b/c://d.e/f?g \x80z aBz "
+        "ad05gjmpsvyADGJ1ad05gjmpsvyADGJ2 ad05gjm\n",
+        12);
     for (const char* pattern : patterns) {
         for (const char* options : {"", "g", "gi"}) {
             StatePtr state = compile(pattern, options);
-            for (int32_t limit = 0; limit < 1500; limit += 1 + limit / 6) {
-                zevsRegExpSetMatchLimit(limit, state.get());
-                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
-                ASSERT_EQ(searchOnce(state.get(), subject, 64, 0), searchOnce(state.get(), subject, 64, 1));
-            }
+            expectAgreeAtLimits(state.get(), subject, 64, 1500, 6, pattern);
             zevsRegExpSetMatchLimit(1000000, state.get());
             for (size_t cut = 0; cut < 120; cut += 7) {
                 const std::string_view part(subject.data(), cut);
@@ -204,11 +211,7 @@ TEST(MatchFastPaths, WideSkipCountsPlaces) {
             StatePtr state = compile(pattern, "g");
             for (int32_t format = 0; format < 2; ++format) {
                 zevsRegExpSetFormat(format, state.get());
-                for (int32_t limit = 0; limit < 400; limit += 1 + limit / 5) {
-                    zevsRegExpSetMatchLimit(limit, state.get());
-                    SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
-                    ASSERT_EQ(searchOnce(state.get(), subject, 32, 0), searchOnce(state.get(), subject, 32, 1));
-                }
+                expectAgreeAtLimits(state.get(), subject, 32, 400, 5, pattern);
                 zevsRegExpSetMatchLimit(1000000, state.get());
                 ASSERT_EQ(searchOnce(state.get(), subject, 32, 0), searchOnce(state.get(), subject, 32, 1))
                     << pattern;
@@ -244,11 +247,7 @@ TEST(MatchFastPaths, BranchesAndSingleClasses) {
         }
         for (const char* pattern : patterns) {
             StatePtr state = compile(pattern, round % 2 == 0 ? "g" : "");
-            for (int32_t limit = 0; limit < 60; limit += 1 + limit / 10) {
-                zevsRegExpSetMatchLimit(limit, state.get());
-                SCOPED_TRACE(std::string(pattern) + " limit " + std::to_string(limit));
-                ASSERT_EQ(searchOnce(state.get(), subject, 16, 0), searchOnce(state.get(), subject, 16, 1));
-            }
+            expectAgreeAtLimits(state.get(), subject, 16, 60, 10, pattern);
             zevsRegExpSetMatchLimit(1000000, state.get());
             ASSERT_EQ(searchOnce(state.get(), subject, 16, 0), searchOnce(state.get(), subject, 16, 1)) << pattern;
             // The area cut inside the subject: a retry after an empty match.
