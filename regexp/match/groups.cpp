@@ -40,13 +40,22 @@ inline GroupRepeat repeatAfter(const MatchContext* ctx, int32_t close) {
 }
 
 // Index of the next NodeAlternate of group `id` at or behind `from`, or
-// `close` when the branch starting at `from` is the last one.
+// `close` when the branch starting at `from` is the last one. With the
+// shortcuts on, a nested construct with a body (lookaround, group, atomic
+// group: kinds NodeLookbehind to NodeAtomic, closing at head + word2 + 1) is
+// stepped over whole: the bars inside it belong to it, not to `id`.
 inline int32_t nextAlternate(const MatchContext* ctx, int32_t from, int32_t close, int32_t id) {
+    const bool overBodies = ctx->fastPaths != 0;
     int32_t i = from;
-    while (i < close && !(ctx->nodes[i].kind == NodeAlternate && ctx->nodes[i].word1 == id)) {
-        ++i;
+    while (i < close) {
+        const RegExpNode& node = ctx->nodes[i];
+        if (node.kind == NodeAlternate && node.word1 == id) {
+            return i;
+        }
+        const bool body = node.kind >= NodeLookbehind && node.kind <= NodeAtomic && node.word2 >= 0;
+        i += overBodies && body ? node.word2 + 2 : 1;
     }
-    return i;
+    return close;
 }
 
 // First node of the branch a conditional takes. The condition is either a

@@ -235,6 +235,9 @@ TEST(MatchFastPaths, BranchesAndSingleClasses) {
         "[ab]?[ab]?[ab]?b",
         "(?i)(?:[k-m]|\\x{212a})[^\\d]?x",
         "(?:(?=a)[a-c]|b[^a]?)+\\b",
+        // bars inside nested bodies, and a bar right behind one
+        "(?:(?:a|b)(?=c|x)c|(?>ab|a)(?:c|(b))z|(?<=a|\\x{e9})(?:(x)|1)|(?(2)z|9))+:",
+        "((?:2|5)|(?!a|b)(?:c|\\d)|(?i:(a)|k))*x",
     };
     const char* const pieces[] = {"a", "b", "c", "z", "x", "K", "1", "2", "5", "9", ".", ":", "-", " ",
                                   "\xC3\xA9", "\xE2\x82\xAC", "\xE2\x84\xAA", "\x80", "\xC3"};
