@@ -40,13 +40,22 @@ struct Output {
     int32_t  room;
 };
 
+// Bytes of an entry that lie inside the source. Only a case-folded \x{...}
+// can make a match end behind the subject (it steps over the length of its
+// own code's UTF-8 form); such a match is cut at the source's end, so that
+// nothing behind the caller's text is ever read.
+int32_t lengthInside(const uint8_t* start, int32_t length, const uint8_t* srcEnd) {
+    const int32_t inside = static_cast<int32_t>(srcEnd - start);
+    return length > inside ? inside : length;
+}
+
 // Writes the expanded template at out->out without moving it. Group entries
 // are find[base + num] for num below `bound`; a group that took no part adds
 // nothing. Returns the bytes written, or -1 when the template does not fit
 // (room must stay at least 1 behind it); the bytes it put down then do not
 // count.
 int32_t expandTemplate(const RegExpReplaceState* rs, const RegExpFindEntry* find, int32_t base,
-                       int32_t bound, const Output& o) {
+                       int32_t bound, const uint8_t* srcEnd, const Output& o) {
     const char* text = ownReplaceBase(rs);
     const uint32_t count = ownReplaceSegmentCount(rs);
     int32_t written = 0;
@@ -62,7 +71,7 @@ int32_t expandTemplate(const RegExpReplaceState* rs, const RegExpFindEntry* find
             const RegExpFindEntry& e = find[base + s.value];
             if (e.start == nullptr || e.length < 0) continue;
             from = e.start;
-            n = e.length;
+            n = lengthInside(e.start, e.length, srcEnd);
         }
         // written < room always holds here, so room - written cannot overflow.
         if (o.room - written <= n) return -1;
@@ -82,8 +91,8 @@ bool putPiece(const uint8_t* from, int32_t n, Output& o) {
 }
 
 bool putTemplate(const RegExpReplaceState* rs, const RegExpFindEntry* find, int32_t base,
-                 int32_t bound, Output& o) {
-    const int32_t written = expandTemplate(rs, find, base, bound, o);
+                 int32_t bound, const uint8_t* srcEnd, Output& o) {
+    const int32_t written = expandTemplate(rs, find, base, bound, srcEnd, o);
     if (written < 0) return false;
     o.out += written;
     o.room -= written;
@@ -205,11 +214,12 @@ extern "C" zevStatus zevsRegExpReplace_8u(const uint8_t* src, int32_t* srcLen, u
             const uint8_t* matchStart = find[k].start;
             const int32_t gap = offsetOf(matchStart, pos);
             if (gap != 0 && !putPiece(pos, gap, o)) return stop(offsetOf(pos, src), srcLen, dstCapacity, o, dstLen);
-            if (!putTemplate(replaceState, find, k, stride, o)) {
+            if (!putTemplate(replaceState, find, k, stride, end, o)) {
                 return stop(offsetOf(matchStart, src), srcLen, dstCapacity, o, dstLen);
             }
-            left -= gap + find[k].length;
-            pos = matchStart + find[k].length;
+            const int32_t matched = lengthInside(matchStart, find[k].length, end);
+            left -= gap + matched;
+            pos = matchStart + matched;
         }
         if (!putPiece(pos, offsetOf(end, pos), o)) return stop(offsetOf(pos, src), srcLen, dstCapacity, o, dstLen);
         *srcLen = left;
@@ -220,10 +230,10 @@ extern "C" zevStatus zevsRegExpReplace_8u(const uint8_t* src, int32_t* srcLen, u
     // Single: entry 0 is the match; group numbers are bounded by the entries
     // the search stored.
     const uint8_t* matchStart = find[0].start;
-    const uint8_t* matchEnd = matchStart + find[0].length;
+    const uint8_t* matchEnd = matchStart + lengthInside(matchStart, find[0].length, end);
     const int32_t gap = offsetOf(matchStart, src);
     if (gap != 0 && !putPiece(src, gap, o)) return stop(0, srcLen, dstCapacity, o, dstLen);
-    if (!putTemplate(replaceState, find, 0, entries, o)) return stop(gap, srcLen, dstCapacity, o, dstLen);
+    if (!putTemplate(replaceState, find, 0, entries, end, o)) return stop(gap, srcLen, dstCapacity, o, dstLen);
     if (!putPiece(matchEnd, offsetOf(end, matchEnd), o)) {
         return stop(offsetOf(matchEnd, src), srcLen, dstCapacity, o, dstLen);
     }

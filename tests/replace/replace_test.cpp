@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <memory>
 #include <cstring>
 #include <random>
 #include <string>
@@ -344,3 +345,25 @@ TEST(Replace, SearchFailuresAreReturnedWithNothingWritten) {
 }
 
 }  // namespace
+
+// Under case folding a \x{...} character steps over the UTF-8 length of its
+// own code, so `(?i)\x{212A}` (three bytes) matches the one-byte "k" with a
+// reported length of 3. The replacement cuts such a match at the source's
+// end: the source sits at the very end of its heap block, so a read behind
+// it would be caught by the sanitizers.
+TEST(Replace, MatchReportedBehindTheSourceIsCutAtItsEnd) {
+    for (const char* options : {"", "g"}) {
+        std::unique_ptr<uint8_t[]> src(new uint8_t[2]{'x', 'k'});
+        Pattern p("(?i)\\x{212A}", options);
+        Template t("[$&]");
+        std::vector<uint8_t> dst(16, '#');
+        std::vector<RegExpFindEntry> find(4);
+        int32_t srcLen = 2, dstLen = 16, findCount = 4;
+        ASSERT_EQ(zevsRegExpReplace_8u(src.get(), &srcLen, dst.data(), &dstLen, find.data(), &findCount,
+                                       p.state, t.state()),
+                  zevStatusOk);
+        EXPECT_EQ(find[0].length, 3) << "the match itself keeps the length the search reports";
+        EXPECT_EQ(std::string(dst.begin(), dst.begin() + dstLen), "x[k]") << options;
+        EXPECT_EQ(srcLen, *options == 'g' ? 0 : 2) << options;
+    }
+}

@@ -173,6 +173,18 @@ int32_t matchLimitFor(const Pattern& p, size_t length) {
     return budget > INT32_MAX ? INT32_MAX : static_cast<int32_t>(budget);
 }
 
+// A match under case folding of a \x{...} character can report an end
+// behind the subject (the node steps over its own code's UTF-8 length); cut
+// every entry at the subject's end so that nothing behind it is printed.
+static void clampToSubject(RegExpFindEntry* entries, int32_t count, const uint8_t* src, int32_t length) {
+    for (int32_t i = 0; i < count; ++i) {
+        RegExpFindEntry& e = entries[i];
+        if (e.start == nullptr || e.length < 0) continue;
+        const int32_t inside = static_cast<int32_t>(src + length - e.start);
+        if (e.length > inside) e.length = inside;
+    }
+}
+
 zevStatus findAll(Pattern& p, const uint8_t* src, int32_t length,
                   std::vector<RegExpFindEntry>& entries, int32_t& count) {
     count = 0;
@@ -226,6 +238,7 @@ zevStatus findAll(Pattern& p, const uint8_t* src, int32_t length,
             continue;
         }
         count = found;
+        clampToSubject(entries.data(), count, src, length);
         return zevStatusOk;
     }
 }
@@ -236,6 +249,7 @@ int32_t findFirst(Pattern& p, const uint8_t* src, int32_t length, RegExpFindEntr
     zevsRegExpSetMatchLimit(matchLimitFor(p, static_cast<size_t>(length)), p.single);
     const zevStatus st = zevsRegExpFind_8u(src != nullptr ? src : nothing, length, p.single, &match, &count);
     if (st != zevStatusOk) return st;
+    if (count > 0 && src != nullptr) clampToSubject(&match, 1, src, length);
     return count > 0 ? 1 : 0;
 }
 
