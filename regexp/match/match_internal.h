@@ -61,7 +61,7 @@ struct MatchContext {
     // The ASCII members of the classes met in this search, one slot per head
     // index modulo the slot count and keyed by head and flags, so that a
     // class's set is built once per search and not at every attempt. All
-    // slots are empty (zeroed) at the start of a search.
+    // slots are empty (head1 0) at the start of a search.
     ClassSetEntry classSets[ClassSetSlots];
 };
 

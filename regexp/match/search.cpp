@@ -22,6 +22,7 @@
 #endif
 
 #include "regexp/match/match_internal.h"
+#include "regexp/match/repeat_loops.h"
 #include "regexp/match/stack_guard.h"
 #include "regexp/unicode/utf8_inline.h"
 
@@ -81,11 +82,25 @@ struct RunPlan {
     uint8_t contCost[256]; // failCost of the continuation for the byte
 };
 
+// The top-level branches: node 0 and the node behind each NodeAlternate of
+// id 0, with the options each starts under.
+constexpr int32_t MaxTopBranches = 64;
+
+
 struct Search {
     MatchContext ctx;
     const RegExpState* state;
     int32_t anchorMode;
     bool branches;         // the pattern has a top-level bar
+    bool lazyCosts;        // a short search: byteCost below, filled as places need it
+    int32_t branchCount;
+    int32_t branchStart[MaxTopBranches];
+    uint32_t branchFlags[MaxTopBranches];
+    // A short search works out the cost of a byte (placeCost) when a place
+    // first shows it, rather than for all 256 bytes up front.
+    uint64_t costKnown[4]; // bit b: byteCost[b] is set
+    int32_t costBalance;   // bytes of known cost found less those of unknown
+    uint8_t byteCost[256];
     SkipPlan plan;
     RunPlan run;
 };
@@ -281,13 +296,15 @@ int32_t itemTakes(Search* s, int32_t at, uint32_t flags, uint8_t b) {
         if (b >= 0x80 && !classDecidesByFirstByte(state, at, flags)) {
             return -1;
         }
-        // One byte on its own is a whole character for such a class.
+        // One byte on its own is a whole character for such a class. The
+        // check reads the flags and the nodes only; the sets it remembers
+        // serve the search's own attempts as well.
         const uint8_t one[1] = {b};
-        MatchContext probe = s->ctx;
-        probe.flags = flags;
-        probe.subject = one;
-        probe.subjectLength = 1;
-        return ownCheckClass(one, 1, &probe, at) < 0 ? 0 : 1;
+        const uint32_t keptFlags = s->ctx.flags;
+        s->ctx.flags = flags;
+        const int32_t answer = ownCheckClass(one, 1, &s->ctx, at);
+        s->ctx.flags = keptFlags;
+        return answer < 0 ? 0 : 1;
     }
     default:
         return -1;
@@ -370,6 +387,38 @@ void findUnknownRanges(SkipPlan& plan) {
     plan.rangeCount = count;
 }
 
+// Fills branchStart and branchFlags. false when there are more branches than
+// they hold.
+bool collectBranches(Search* s) {
+    const RegExpState* state = s->state;
+    int32_t branches = 0;
+    s->branchStart[branches] = 0;
+    s->branchFlags[branches++] = state->options;
+    for (int32_t i = 0; i < state->nodeCount; ++i) {
+        if (state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0) {
+            if (branches == MaxTopBranches) {
+                return false;
+            }
+            s->branchStart[branches] = i + 1;
+            s->branchFlags[branches++] = static_cast<uint32_t>(state->nodes[i].word2);
+        }
+    }
+    s->branchCount = branches;
+    return true;
+}
+
+// The units of an attempt at a place whose byte is b (with a byte left in
+// the search area) when every top-level branch turns b down at its first
+// node; CostUnknown when one might not.
+int32_t placeCost(Search* s, uint8_t b) {
+    int32_t total = 0;
+    for (int32_t i = 0; i < s->branchCount && (i == 0 || total > 0); ++i) {
+        const int32_t c = failCost(s, s->branchStart[i], s->branchFlags[i], b, 0);
+        total = c == 0 ? 0 : total + c;
+    }
+    return total > CostCap ? CostUnknown : total;
+}
+
 void buildSkipPlan(Search* s) {
     const RegExpState* state = s->state;
     SkipPlan& plan = s->plan;
@@ -381,37 +430,18 @@ void buildSkipPlan(Search* s) {
     if (s->ctx.fastPaths == 0 || s->anchorMode != AnchorNone || state->nodeCount < 1) {
         return;
     }
-    // Top-level branches: node 0 and behind each NodeAlternate of id 0.
-    int32_t starts[64];
-    uint32_t flags[64];
-    int32_t branches = 0;
-    starts[branches] = 0;
-    flags[branches++] = state->options;
-    for (int32_t i = 0; i < state->nodeCount; ++i) {
-        if (state->nodes[i].kind == NodeAlternate && state->nodes[i].word1 == 0) {
-            if (branches == 64) {
-                return;
-            }
-            starts[branches] = i + 1;
-            flags[branches++] = static_cast<uint32_t>(state->nodes[i].word2);
-        }
+    if (!collectBranches(s)) {
+        return;
     }
     const RegExpNode& first = state->nodes[0];
-    if (branches == 1 && first.kind == NodeAssert && first.word1 == AssertLineStartAnchor) {
+    if (s->branchCount == 1 && first.kind == NodeAssert && first.word1 == AssertLineStartAnchor) {
         const RegExpNode* rep = repeatAt(state, 1);
         plan.lineStart = rep == nullptr || rep->word1 >= 1;
         return;
     }
     int32_t unknown = 0;
     for (int32_t b = 0; b < 256; ++b) {
-        int32_t total = 0;
-        for (int32_t i = 0; i < branches && (i == 0 || total > 0); ++i) {
-            const int32_t c = failCost(s, starts[i], flags[i], static_cast<uint8_t>(b), 0);
-            total = c == 0 ? 0 : total + c;
-        }
-        if (total > CostCap) {
-            total = 0;
-        }
+        const int32_t total = placeCost(s, static_cast<uint8_t>(b));
         plan.cost[b] = static_cast<uint8_t>(total);
         if (total == 0) {
             ++unknown;
@@ -744,6 +774,57 @@ bool skipPlaces(Search* s, const uint8_t** p, int32_t* remaining) {
     return *remaining >= 0;
 }
 
+// The skip of a short search, which has no plan: each place whose attempt
+// its byte alone turns down is charged that byte's units (placeCost, worked
+// out the first time a place shows the byte) and passed over, as skipPlaces
+// does, one place at a time. false: the scan is over without a match (budget
+// gone, or the last step overran the area).
+bool skipByByteCost(Search* s, const uint8_t** p, int32_t* remaining) {
+    MatchContext* ctx = &s->ctx;
+    if (ctx->budget < 0) {
+        return false;   // every further attempt fails without work
+    }
+    const uint8_t* q = *p;
+    int32_t left = *remaining;
+    if (left > 0 && s->branchCount == 0) {
+        if (!collectBranches(s)) {
+            s->lazyCosts = false;
+            return true;
+        }
+        std::memset(s->costKnown, 0, sizeof s->costKnown);
+        s->costBalance = 0;
+    }
+    while (left > 0) {   // a byte left in the search area
+        const uint8_t b = *q;
+        const uint64_t bit = 1ull << (b & 63);
+        if ((s->costKnown[b >> 6] & bit) == 0) {
+            s->costKnown[b >> 6] |= bit;
+            const int32_t cost = placeCost(s, b);
+            s->byteCost[b] = static_cast<uint8_t>(cost);
+            // Working costs out pays only where places get skipped; a
+            // pattern whose first node takes the subject's bytes (a leading
+            // [\w.]+, say) stops asking.
+            s->costBalance += cost == CostUnknown ? -1 : 1;
+            if (s->costBalance < 0) {
+                s->lazyCosts = false;
+            }
+        }
+        const int32_t units = s->byteCost[b];
+        if (units == CostUnknown) {
+            break;   // an attempt is due here
+        }
+        if (!charge(ctx, units)) {
+            return false;
+        }
+        const int32_t step = placeStep(s, q);
+        q += step;
+        left -= step;
+    }
+    *p = q;
+    *remaining = left;
+    return left >= 0;
+}
+
 // The run of the leading repeat that the places of a scan are walking
 // through (see RunPlan): the next place of the run, and what an attempt
 // there costs.
@@ -877,6 +958,8 @@ int32_t scan(const uint8_t* p, int32_t remaining, Search* s) {
             if (!skipPlaces(s, &p, &remaining)) {
                 return 1;
             }
+        } else if (s->lazyCosts && !skipByByteCost(s, &p, &remaining)) {
+            return 1;
         }
         if (runs && rs.place == p && replayRunPlace(s, &rs, &p, &remaining, areaEnd)) {
             if (remaining < 0) {
@@ -1031,7 +1114,12 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     ctx.walkEndCount = 0;
     ctx.walkStart = 0;
     ctx.walkStartCount = 0;
-    std::memset(ctx.classSets, 0, sizeof ctx.classSets);
+    // An empty slot is one whose head1 is 0; the rest of an entry is only
+    // read behind a head1 that matches. (Clearing the whole table costs a
+    // short search more than its attempts.)
+    for (ClassSetEntry& e : ctx.classSets) {
+        e.head1 = 0;
+    }
     s.state = state;
     s.anchorMode = anchorModeOf(state);
     s.branches = false;
@@ -1041,9 +1129,16 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     s.plan.byByte = false;
     s.plan.lineStart = false;
     s.run.usable = false;
-    if (fastPaths != 0 && searchLen >= SkipPlanMinLength) {
+    s.lazyCosts = false;
+    s.branchCount = 0;   // collected when the short skip first needs them
+    // Near the stack limit the first attempt ends the search; no skip may
+    // pass over it.
+    const bool skips = fastPaths != 0 && zevch_match::roomForShortcut(&ctx);
+    if (skips && searchLen >= SkipPlanMinLength) {
         buildSkipPlan(&s);
         buildRunPlan(&s);
+    } else if (skips) {
+        s.lazyCosts = s.anchorMode == AnchorNone && state->nodeCount >= 1;
     }
 
     const zevStatus status = (state->options & OptionGlobal)

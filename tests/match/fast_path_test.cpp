@@ -2,9 +2,10 @@
 // plain reference walk: random patterns, subjects and match limits must give
 // the same status, the same entries and the same budget left.
 //
-// The shortcuts only start on subjects of 256 bytes or more, so the
-// subjects here are that long; the alphabet mixes the bytes that the
-// patterns' first nodes test with newlines, multi-byte and malformed UTF-8.
+// The skip plan and the run shortcut start on subjects of 256 bytes or more,
+// so most subjects here are that long; shorter ones go through the per-byte
+// skip of short searches. The alphabet mixes the bytes that the patterns'
+// first nodes test with newlines, multi-byte and malformed UTF-8.
 #include "tests/match/core_test_util.h"
 
 #include <random>
@@ -80,9 +81,9 @@ std::string randomPattern(std::mt19937& rng) {
     return pattern;
 }
 
-std::string randomSubject(std::mt19937& rng) {
+std::string randomSubject(std::mt19937& rng, size_t least = 256, size_t spread = 300) {
     std::string out;
-    const size_t length = 256 + rng() % 300;
+    const size_t length = least + rng() % spread;
     // A few pieces dominate, so that runs of like bytes occur.
     const char* common[3] = {pick(rng, Pieces), pick(rng, Pieces), pick(rng, Pieces)};
     while (out.size() < length) {
@@ -117,6 +118,41 @@ TEST(MatchFastPaths, AgreeWithThePlainWalk) {
         }
     }
     EXPECT_GT(compiled, 3000);
+}
+
+// Short subjects (one line of a file, say) skip place by place with the cost
+// of each byte worked out as it is met, costs that may differ from byte to
+// byte; every small limit must still end where the plain walk ends.
+TEST(MatchFastPaths, ShortSubjectsSkipByByte) {
+    std::mt19937 rng(20261124);
+    for (int i = 0; i < 1500; ++i) {
+        const std::string pattern = randomPattern(rng);
+        const char* options = pick(rng, Options);
+        RegExpState* raw = nullptr;
+        int32_t err = 0;
+        if (zevsRegExpInitAlloc(pattern.c_str(), options, &raw, &err) != zevStatusOk) {
+            continue;
+        }
+        StatePtr state(raw);
+        zevsRegExpSetFormat(static_cast<int32_t>(rng() % 2), raw);
+        const std::string subject = randomSubject(rng, 0, 40);
+        SCOPED_TRACE("pattern " + pattern + " options " + (options ? options : "-") + " subject " + subject);
+        expectAgreeAtLimits(raw, subject, 1 + static_cast<int32_t>(rng() % 12), 120, 6, pattern.c_str());
+    }
+    // Costs that differ by byte: an optional first item lets some bytes
+    // reach the next node, which charges more.
+    const char* const patterns[] = {"a?b|c", "[ab]?c|d", "x?y?z", "(?:25|2[0-4]|1?\\d)\\.", "\\s?\\d+|@",
+                                    "(?i)k?\\x{e9}|q"};
+    const std::string subject = "hello world 12.250.3.4 xyz k\xC3\xA9 \x80@ cd";
+    for (const char* pattern : patterns) {
+        for (const char* options : {"", "g"}) {
+            for (int32_t format : {0, 1}) {
+                StatePtr state = compile(pattern, options);
+                zevsRegExpSetFormat(format, state.get());
+                expectAgreeAtLimits(state.get(), subject, 64, 400, 8, pattern);
+            }
+        }
+    }
 }
 
 // Shapes the shortcuts were built for, with the budget running out at every
