@@ -87,23 +87,88 @@ struct RunPlan {
 constexpr int32_t MaxTopBranches = 64;
 
 
+// What a short search knows of the cost of an attempt at a place, by the
+// place's byte (placeCost), filled in as places show the bytes.
+struct ByteCosts {
+    uint64_t known[4];   // bit b: cost[b] is set
+    uint8_t cost[256];
+};
+
 struct Search {
     MatchContext ctx;
     const RegExpState* state;
     int32_t anchorMode;
     bool branches;         // the pattern has a top-level bar
-    bool lazyCosts;        // a short search: byteCost below, filled as places need it
-    int32_t branchCount;
+    bool lazyCosts;        // a short search: skips by the costs below
+    int32_t branchCount;   // 0 until collectBranches has run
     int32_t branchStart[MaxTopBranches];
     uint32_t branchFlags[MaxTopBranches];
-    // A short search works out the cost of a byte (placeCost) when a place
-    // first shows it, rather than for all 256 bytes up front.
-    uint64_t costKnown[4]; // bit b: byteCost[b] is set
-    int32_t costBalance;   // bytes of known cost found less those of unknown
-    uint8_t byteCost[256];
+    ByteCosts* costs;      // the thread's (threadCosts) or ownCosts; null until needed
+    int32_t costBalance;   // bytes of known cost found by this search less those of unknown
+    ByteCosts ownCosts;
     SkipPlan plan;
     RunPlan run;
 };
+
+// The byte costs of short searches, kept per thread for the next search of
+// the same pattern: a tool that searches a file line by line meets the same
+// bytes on every line. Costs follow from the nodes, the first byte of each
+// literal string and the options alone, so the cache keeps copies of those
+// and serves a record only while it holds exactly them.
+constexpr int32_t CachedNodesMax = 128;
+constexpr int32_t CachedStringsMax = 16;
+
+struct CostCache {
+    const RegExpState* state;
+    uint32_t options;
+    int32_t nodeCount;     // 0: empty
+    int32_t stringCount;
+    int32_t stringAt[CachedStringsMax];
+    uint8_t stringFirst[CachedStringsMax];
+    RegExpNode nodes[CachedNodesMax];
+    ByteCosts costs;
+};
+
+thread_local CostCache costCache;
+
+// The thread's costs for `state`, emptied first when they were made for
+// another pattern; null when the pattern is too large to keep.
+ByteCosts* threadCosts(const RegExpState* state) {
+    CostCache& c = costCache;
+    const int32_t n = state->nodeCount;
+    if (c.nodeCount == n && c.state == state && c.options == state->options &&
+        std::memcmp(c.nodes, state->nodes, static_cast<size_t>(n) * sizeof(RegExpNode)) == 0) {
+        bool same = true;
+        for (int32_t k = 0; k < c.stringCount; ++k) {
+            same = same && ownNodeStringBytes(state, state->nodes[c.stringAt[k]])[0] == c.stringFirst[k];
+        }
+        if (same) {
+            return &c.costs;
+        }
+    }
+    c.nodeCount = 0;
+    if (n < 1 || n > CachedNodesMax) {
+        return nullptr;
+    }
+    int32_t strings = 0;
+    for (int32_t i = 0; i < n; ++i) {
+        if (state->nodes[i].kind == NodeString) {
+            if (strings == CachedStringsMax) {
+                return nullptr;
+            }
+            c.stringAt[strings] = i;
+            c.stringFirst[strings] = ownNodeStringBytes(state, state->nodes[i])[0];
+            ++strings;
+        }
+    }
+    c.stringCount = strings;
+    std::memcpy(c.nodes, state->nodes, static_cast<size_t>(n) * sizeof(RegExpNode));
+    std::memset(c.costs.known, 0, sizeof c.costs.known);
+    c.state = state;
+    c.options = state->options;
+    c.nodeCount = n;
+    return &c.costs;
+}
 
 inline uint8_t upperAscii(uint8_t c) {
     return (c >= 'a' && c <= 'z') ? static_cast<uint8_t>(c - 32) : c;
@@ -786,21 +851,26 @@ bool skipByByteCost(Search* s, const uint8_t** p, int32_t* remaining) {
     }
     const uint8_t* q = *p;
     int32_t left = *remaining;
-    if (left > 0 && s->branchCount == 0) {
-        if (!collectBranches(s)) {
-            s->lazyCosts = false;
-            return true;
+    if (left > 0 && s->costs == nullptr) {
+        s->costs = threadCosts(s->state);
+        if (s->costs == nullptr) {
+            s->costs = &s->ownCosts;
+            std::memset(s->ownCosts.known, 0, sizeof s->ownCosts.known);
         }
-        std::memset(s->costKnown, 0, sizeof s->costKnown);
         s->costBalance = 0;
     }
+    ByteCosts* costs = s->costs;
     while (left > 0) {   // a byte left in the search area
         const uint8_t b = *q;
         const uint64_t bit = 1ull << (b & 63);
-        if ((s->costKnown[b >> 6] & bit) == 0) {
-            s->costKnown[b >> 6] |= bit;
+        if ((costs->known[b >> 6] & bit) == 0) {
+            if (s->branchCount == 0 && !collectBranches(s)) {
+                s->lazyCosts = false;
+                break;
+            }
             const int32_t cost = placeCost(s, b);
-            s->byteCost[b] = static_cast<uint8_t>(cost);
+            costs->cost[b] = static_cast<uint8_t>(cost);
+            costs->known[b >> 6] |= bit;
             // Working costs out pays only where places get skipped; a
             // pattern whose first node takes the subject's bytes (a leading
             // [\w.]+, say) stops asking.
@@ -809,7 +879,7 @@ bool skipByByteCost(Search* s, const uint8_t** p, int32_t* remaining) {
                 s->lazyCosts = false;
             }
         }
-        const int32_t units = s->byteCost[b];
+        const int32_t units = costs->cost[b];
         if (units == CostUnknown) {
             break;   // an attempt is due here
         }
@@ -1131,6 +1201,7 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     s.run.usable = false;
     s.lazyCosts = false;
     s.branchCount = 0;   // collected when the short skip first needs them
+    s.costs = nullptr;
     // Near the stack limit the first attempt ends the search; no skip may
     // pass over it.
     const bool skips = fastPaths != 0 && zevch_match::roomForShortcut(&ctx);

@@ -8,7 +8,9 @@
 // first nodes test with newlines, multi-byte and malformed UTF-8.
 #include "tests/match/core_test_util.h"
 
+#include <algorithm>
 #include <random>
+#include <vector>
 
 using namespace matchcore;
 
@@ -150,6 +152,35 @@ TEST(MatchFastPaths, ShortSubjectsSkipByByte) {
                 StatePtr state = compile(pattern, options);
                 zevsRegExpSetFormat(format, state.get());
                 expectAgreeAtLimits(state.get(), subject, 64, 400, 8, pattern);
+            }
+        }
+    }
+}
+
+// The costs a short search works out outlive it, for the next search of the
+// same pattern; a record compiled anew in the same memory, to a pattern that
+// differs in one node or only in a literal's bytes, must not inherit them.
+TEST(MatchFastPaths, ShortSearchCostsFollowTheRecord) {
+    const char* const pairs[][2] = {
+        {"(?:25|1)\\d", "(?:35|1)\\d"},   // same nodes, other literal bytes
+        {"x?c|@", "x?d|@"},                  // one node differs
+        {"[a-f]+!", "[a-f]+?"},
+        {"a|b", "(?i)a|b"},                  // the options differ
+    };
+    const std::string subjects[] = {"3x 2y 35 25 d!", "cc dd @ AB", ""};
+    for (const auto& pair : pairs) {
+        int32_t size = 0;
+        ASSERT_EQ(zevsRegExpGetSize(pair[0], &size), zevStatusOk);
+        int32_t other = 0;
+        ASSERT_EQ(zevsRegExpGetSize(pair[1], &other), zevStatusOk);
+        std::vector<uint8_t> block(static_cast<size_t>(std::max(size, other)) + 64);
+        RegExpState* state = reinterpret_cast<RegExpState*>(block.data());
+        for (int round = 0; round < 4; ++round) {
+            const char* pattern = pair[round % 2];
+            int32_t err = 0;
+            ASSERT_EQ(zevsRegExpInit(pattern, "", state, &err), zevStatusOk) << pattern;
+            for (const std::string& subject : subjects) {
+                expectAgreeAtLimits(state, subject, 8, 60, 8, pattern);
             }
         }
     }
