@@ -107,7 +107,8 @@ struct Search {
     int32_t costBalance;   // bytes of known cost found by this search less those of unknown
     ByteCosts ownCosts;
     SkipPlan plan;
-    RunPlan run;
+    RunPlan* run;          // ownRun, or the thread's (CostCache) for a short search
+    RunPlan ownRun;
 };
 
 // The byte costs of short searches, kept per thread for the next search of
@@ -127,6 +128,8 @@ struct CostCache {
     uint8_t stringFirst[CachedStringsMax];
     RegExpNode nodes[CachedNodesMax];
     ByteCosts costs;
+    int32_t runFormat;     // the format `run` was made for; -1: not made
+    RunPlan run;
 };
 
 thread_local CostCache costCache;
@@ -164,6 +167,7 @@ ByteCosts* threadCosts(const RegExpState* state) {
     c.stringCount = strings;
     std::memcpy(c.nodes, state->nodes, static_cast<size_t>(n) * sizeof(RegExpNode));
     std::memset(c.costs.known, 0, sizeof c.costs.known);
+    c.runFormat = -1;
     c.state = state;
     c.options = state->options;
     c.nodeCount = n;
@@ -536,7 +540,7 @@ void buildSkipPlan(Search* s) {
 
 void buildRunPlan(Search* s) {
     const RegExpState* state = s->state;
-    RunPlan& run = s->run;
+    RunPlan& run = *s->run;
     run.usable = false;
     if (s->anchorMode != AnchorNone || state->nodeCount < 3) {
         return;
@@ -912,7 +916,7 @@ int32_t runItemSizeSlow(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
         return -1;
     }
     const uint8_t b = *q;
-    int32_t takes = s->run.takes[b];
+    int32_t takes = s->run->takes[b];
     if (takes < 0) {
         s->ctx.flags = s->state->options;
         takes = ownCheckClass(q, ownBytesToEnd(&s->ctx, q), &s->ctx, 0) < 0 ? 0 : 1;
@@ -930,7 +934,7 @@ int32_t runItemSizeSlow(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
 // here: the walks of learnRun and replayRunPlace ask once per byte.
 inline int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) {
     if (q < areaEnd && q < s->ctx.subject + s->ctx.subjectLength && *q < 0x80) {
-        const int32_t takes = s->run.takes[*q];
+        const int32_t takes = s->run->takes[*q];
         if (takes >= 0) {
             return takes != 0 ? 1 : -1;
         }
@@ -941,7 +945,7 @@ inline int32_t runItemSize(Search* s, const uint8_t* q, const uint8_t* areaEnd) 
 // After a real attempt at p that failed having spent `spent` units: walks the
 // run of items from p and sets rs up for the places behind p, or clears it.
 void learnRun(Search* s, const uint8_t* p, const uint8_t* areaEnd, int64_t spent, RunState* rs) {
-    const RunPlan& run = s->run;
+    const RunPlan& run = *s->run;
     rs->place = nullptr;
     const int32_t firstSize = runItemSize(s, p, areaEnd);
     if (firstSize < 0 || firstSize != placeStep(s, p)) {
@@ -1003,7 +1007,7 @@ bool replayRunPlace(Search* s, RunState* rs, const uint8_t** p, int32_t* remaini
     ctx->budget -= static_cast<int32_t>(cost);
     if (rs->ahead != nullptr) {
         if (rs->ahead < rs->end) {
-            rs->sum -= s->run.contCost[*rs->ahead];
+            rs->sum -= s->run->contCost[*rs->ahead];
             rs->ahead += runItemSize(s, rs->ahead, areaEnd);
         } else {
             rs->ahead = nullptr;
@@ -1020,7 +1024,7 @@ bool replayRunPlace(Search* s, RunState* rs, const uint8_t** p, int32_t* remaini
 // The scan from p: attempts at successive places as the anchor mode allows.
 // 0: matched (capture record 0 holds the match).
 int32_t scan(const uint8_t* p, int32_t remaining, Search* s) {
-    const bool runs = s->run.usable && s->ctx.rejectEmpty == 0 && s->anchorMode == AnchorNone;
+    const bool runs = s->run->usable && s->ctx.rejectEmpty == 0 && s->anchorMode == AnchorNone;
     const uint8_t* areaEnd = p + remaining;
     RunState rs = {nullptr, nullptr, nullptr, 0, 0};
     for (;;) {
@@ -1198,7 +1202,8 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     }
     s.plan.byByte = false;
     s.plan.lineStart = false;
-    s.run.usable = false;
+    s.run = &s.ownRun;
+    s.ownRun.usable = false;
     s.lazyCosts = false;
     s.branchCount = 0;   // collected when the short skip first needs them
     s.costs = nullptr;
@@ -1210,6 +1215,19 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
         buildRunPlan(&s);
     } else if (skips) {
         s.lazyCosts = s.anchorMode == AnchorNone && state->nodeCount >= 1;
+        if (s.lazyCosts && searchLen > 0) {
+            // The run plan too is worth making once per pattern and thread.
+            s.costs = threadCosts(state);
+            if (s.costs != nullptr) {
+                s.costBalance = 0;
+                CostCache& cache = costCache;
+                s.run = &cache.run;
+                if (cache.runFormat != ctx.format) {
+                    buildRunPlan(&s);
+                    cache.runFormat = ctx.format;
+                }
+            }
+        }
     }
 
     const zevStatus status = (state->options & OptionGlobal)

@@ -124,7 +124,8 @@ TEST(MatchFastPaths, AgreeWithThePlainWalk) {
 
 // Short subjects (one line of a file, say) skip place by place with the cost
 // of each byte worked out as it is met, costs that may differ from byte to
-// byte; every small limit must still end where the plain walk ends.
+// byte, and use the run shortcut of a leading repeat; every small limit must
+// still end where the plain walk ends.
 TEST(MatchFastPaths, ShortSubjectsSkipByByte) {
     std::mt19937 rng(20261124);
     for (int i = 0; i < 1500; ++i) {
@@ -141,10 +142,12 @@ TEST(MatchFastPaths, ShortSubjectsSkipByByte) {
         SCOPED_TRACE("pattern " + pattern + " options " + (options ? options : "-") + " subject " + subject);
         expectAgreeAtLimits(raw, subject, 1 + static_cast<int32_t>(rng() % 12), 120, 6, pattern.c_str());
     }
-    // Costs that differ by byte: an optional first item lets some bytes
-    // reach the next node, which charges more.
-    const char* const patterns[] = {"a?b|c", "[ab]?c|d", "x?y?z", "(?:25|2[0-4]|1?\\d)\\.", "\\s?\\d+|@",
-                                    "(?i)k?\\x{e9}|q"};
+    // Costs that differ by byte, and (the last three) a leading repeat whose
+    // later places are charged from the first one's attempt.
+    const char* const patterns[] = {
+        "a?b|c", "[ab]?c|d", "x?y?z", "(?:25|2[0-4]|1?\\d)\\.", "\\s?\\d+|@", "(?i)k?\\x{e9}|q",
+        "[\\w.+-]+@[\\w.-]+", "\\w{2,}://", "[^\\s@]*@",
+    };
     const std::string subject = "hello world 12.250.3.4 xyz k\xC3\xA9 \x80@ cd";
     for (const char* pattern : patterns) {
         for (const char* options : {"", "g"}) {
@@ -166,8 +169,9 @@ TEST(MatchFastPaths, ShortSearchCostsFollowTheRecord) {
         {"x?c|@", "x?d|@"},                  // one node differs
         {"[a-f]+!", "[a-f]+?"},
         {"a|b", "(?i)a|b"},                  // the options differ
+        {"\xC3+!", "\xC3+?"},              // a raw byte item: its run steps by bytes
     };
-    const std::string subjects[] = {"3x 2y 35 25 d!", "cc dd @ AB", ""};
+    const std::string subjects[] = {"3x 2y 35 25 d!", "cc dd @ AB", "\xC3\xC3\xA9!\xC3", ""};
     for (const auto& pair : pairs) {
         int32_t size = 0;
         ASSERT_EQ(zevsRegExpGetSize(pair[0], &size), zevStatusOk);
@@ -179,8 +183,11 @@ TEST(MatchFastPaths, ShortSearchCostsFollowTheRecord) {
             const char* pattern = pair[round % 2];
             int32_t err = 0;
             ASSERT_EQ(zevsRegExpInit(pattern, "", state, &err), zevStatusOk) << pattern;
-            for (const std::string& subject : subjects) {
-                expectAgreeAtLimits(state, subject, 8, 60, 8, pattern);
+            for (int32_t format : {0, 1, 0}) {   // the run plan depends on it too
+                zevsRegExpSetFormat(format, state);
+                for (const std::string& subject : subjects) {
+                    expectAgreeAtLimits(state, subject, 8, 60, 8, pattern);
+                }
             }
         }
     }
