@@ -94,10 +94,14 @@ std::string randomSubject(std::mt19937& rng, size_t least = 256, size_t spread =
     return out;
 }
 
-TEST(MatchFastPaths, AgreeWithThePlainWalk) {
-    std::mt19937 rng(20261123);
+// Runs `body(state, trace, rng)` for `count` random patterns under random
+// options, each compiled in a random format (those that do not compile are
+// left out); trace names the pattern and options. Returns how many ran.
+template <class Body>
+int forRandomStates(uint32_t seed, int count, const Body& body) {
+    std::mt19937 rng(seed);
     int compiled = 0;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < count; ++i) {
         const std::string pattern = randomPattern(rng);
         const char* options = pick(rng, Options);
         RegExpState* raw = nullptr;
@@ -108,17 +112,28 @@ TEST(MatchFastPaths, AgreeWithThePlainWalk) {
         StatePtr state(raw);
         ++compiled;
         zevsRegExpSetFormat(static_cast<int32_t>(rng() % 2), raw);
+        body(raw, "pattern " + pattern + " options " + (options ? options : "-"), rng);
+        if (::testing::Test::HasFatalFailure()) {
+            break;
+        }
+    }
+    return compiled;
+}
+
+TEST(MatchFastPaths, AgreeWithThePlainWalk) {
+    const int compiled = forRandomStates(20261123, 5000, [](RegExpState* raw, const std::string& trace,
+                                                            std::mt19937& rng) {
         for (int k = 0; k < 3; ++k) {
             zevsRegExpSetMatchLimit(pick(rng, Limits), raw);
             const std::string subject = randomSubject(rng);
             const int32_t capacity = 1 + static_cast<int32_t>(rng() % 12);
-            SCOPED_TRACE("pattern " + pattern + " options " + (options ? options : "-"));
+            SCOPED_TRACE(trace);
             const Outcome plain = searchOnce(raw, subject, capacity, 0);
             const Outcome fast = searchOnce(raw, subject, capacity, 1);
             ASSERT_EQ(plain, fast) << "limit " << raw->matchLimit << " format " << raw->format << " subject "
                                    << subject;
         }
-    }
+    });
     EXPECT_GT(compiled, 3000);
 }
 
@@ -127,21 +142,11 @@ TEST(MatchFastPaths, AgreeWithThePlainWalk) {
 // byte, and use the run shortcut of a leading repeat; every small limit must
 // still end where the plain walk ends.
 TEST(MatchFastPaths, ShortSubjectsSkipByByte) {
-    std::mt19937 rng(20261124);
-    for (int i = 0; i < 1500; ++i) {
-        const std::string pattern = randomPattern(rng);
-        const char* options = pick(rng, Options);
-        RegExpState* raw = nullptr;
-        int32_t err = 0;
-        if (zevsRegExpInitAlloc(pattern.c_str(), options, &raw, &err) != zevStatusOk) {
-            continue;
-        }
-        StatePtr state(raw);
-        zevsRegExpSetFormat(static_cast<int32_t>(rng() % 2), raw);
+    forRandomStates(20261124, 1500, [](RegExpState* raw, const std::string& trace, std::mt19937& rng) {
         const std::string subject = randomSubject(rng, 0, 40);
-        SCOPED_TRACE("pattern " + pattern + " options " + (options ? options : "-") + " subject " + subject);
-        expectAgreeAtLimits(raw, subject, 1 + static_cast<int32_t>(rng() % 12), 120, 6, pattern.c_str());
-    }
+        SCOPED_TRACE(trace + " subject " + subject);
+        expectAgreeAtLimits(raw, subject, 1 + static_cast<int32_t>(rng() % 12), 120, 6, trace.c_str());
+    });
     // Costs that differ by byte, and (the last three) a leading repeat whose
     // later places are charged from the first one's attempt.
     const char* const patterns[] = {
