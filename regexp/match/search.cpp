@@ -16,6 +16,7 @@
 //
 // Tested by tests/match/search_test.cpp and fast_path_test.cpp.
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -120,6 +121,9 @@ constexpr int32_t CachedNodesMax = 128;
 constexpr int32_t CachedStringsMax = 16;
 
 struct CostCache {
+    // Set while a search holds the cache, so that a search made from a
+    // signal handler that interrupts it leaves the cache alone.
+    volatile bool busy;
     const RegExpState* state;
     uint32_t options;
     int32_t nodeCount;     // 0: empty
@@ -856,11 +860,9 @@ bool skipByByteCost(Search* s, const uint8_t** p, int32_t* remaining) {
     const uint8_t* q = *p;
     int32_t left = *remaining;
     if (left > 0 && s->costs == nullptr) {
-        s->costs = threadCosts(s->state);
-        if (s->costs == nullptr) {
-            s->costs = &s->ownCosts;
-            std::memset(s->ownCosts.known, 0, sizeof s->ownCosts.known);
-        }
+        // The thread's costs are not to be had (see searchImpl).
+        s->costs = &s->ownCosts;
+        std::memset(s->ownCosts.known, 0, sizeof s->ownCosts.known);
         s->costBalance = 0;
     }
     ByteCosts* costs = s->costs;
@@ -1210,13 +1212,17 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     // Near the stack limit the first attempt ends the search; no skip may
     // pass over it.
     const bool skips = fastPaths != 0 && zevch_match::roomForShortcut(&ctx);
+    bool holdsCache = false;
     if (skips && searchLen >= SkipPlanMinLength) {
         buildSkipPlan(&s);
         buildRunPlan(&s);
     } else if (skips) {
         s.lazyCosts = s.anchorMode == AnchorNone && state->nodeCount >= 1;
-        if (s.lazyCosts && searchLen > 0) {
+        if (s.lazyCosts && searchLen > 0 && !costCache.busy) {
             // The run plan too is worth making once per pattern and thread.
+            costCache.busy = true;
+            std::atomic_signal_fence(std::memory_order_seq_cst);   // no use of the cache before the mark
+            holdsCache = true;
             s.costs = threadCosts(state);
             if (s.costs != nullptr) {
                 s.costBalance = 0;
@@ -1233,6 +1239,10 @@ zevStatus searchImpl(const uint8_t* src, int32_t srcLen, RegExpState* state, Reg
     const zevStatus status = (state->options & OptionGlobal)
                                  ? globalSearch(&s, searchLen, find, findCount, replaceMode)
                                  : singleSearch(&s, searchLen, find, findCount);
+    if (holdsCache) {
+        std::atomic_signal_fence(std::memory_order_seq_cst);   // nor after its release
+        costCache.busy = false;
+    }
     if (budgetLeft != nullptr) {
         *budgetLeft = ctx.budget;
     }
