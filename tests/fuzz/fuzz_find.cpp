@@ -72,7 +72,7 @@ Outcome search(const ExactBuffer<uint8_t>& subject, RegExpState* state, int32_t 
         }
         FUZZ_CHECK(e.length >= 0);
         FUZZ_CHECK(e.start >= begin && e.start <= end);
-        if (!(KnownWideCharOverrun && fuzzHasWideChar(state))) FUZZ_CHECK(e.length <= end - e.start);
+        if (!(MatchMayEndBehindSubject && fuzzHasWideChar(state))) FUZZ_CHECK(e.length <= end - e.start);
         else FUZZ_CHECK(e.length <= end - e.start + 5);   // at most a six-byte code minus one
     }
     if (out.status == zevStatusOk) out.entries.assign(find.data, find.data + count);
