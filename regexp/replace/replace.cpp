@@ -209,20 +209,23 @@ extern "C" zevStatus zevsRegExpReplace_8u(const uint8_t* src, int32_t* srcLen, u
     if (global) {
         const int32_t stride = pattern->captureCount;
         const uint8_t* pos = src;
-        int32_t left = sourceLength;
         for (int32_t k = 0; k < entries; k += stride) {
+            // After an empty match the one-byte retry can match past the next
+            // place, where the walk finds a further match: matches of one
+            // search may overlap. What the previous match consumed is not
+            // given back: the gap is never negative and pos never moves back.
             const uint8_t* matchStart = find[k].start;
-            const int32_t gap = offsetOf(matchStart, pos);
+            const uint8_t* from = matchStart > pos ? matchStart : pos;
+            const int32_t gap = offsetOf(from, pos);
             if (gap != 0 && !putPiece(pos, gap, o)) return stop(offsetOf(pos, src), srcLen, dstCapacity, o, dstLen);
             if (!putTemplate(replaceState, find, k, stride, end, o)) {
-                return stop(offsetOf(matchStart, src), srcLen, dstCapacity, o, dstLen);
+                return stop(offsetOf(from, src), srcLen, dstCapacity, o, dstLen);
             }
-            const int32_t matched = lengthInside(matchStart, find[k].length, end);
-            left -= gap + matched;
-            pos = matchStart + matched;
+            const uint8_t* matchEnd = matchStart + lengthInside(matchStart, find[k].length, end);
+            pos = matchEnd > from ? matchEnd : from;
         }
         if (!putPiece(pos, offsetOf(end, pos), o)) return stop(offsetOf(pos, src), srcLen, dstCapacity, o, dstLen);
-        *srcLen = left;
+        *srcLen = offsetOf(end, pos);   // the tail's length
         *dstLen = dstCapacity - o.room;
         return zevStatusOk;
     }

@@ -367,3 +367,16 @@ TEST(Replace, MatchReportedBehindTheSourceIsCutAtItsEnd) {
         EXPECT_EQ(srcLen, *options == 'g' ? 0 : 2) << options;
     }
 }
+
+// After an empty match the one-byte retry can match past the next place, so
+// the matches of a global search may overlap: here (0,2) is followed by
+// (1,0). The walk never gives back what a match consumed and never writes
+// before the output (it once moved its write position back by the negative
+// gap).
+TEST(Replace, OverlappingGlobalMatchesNeverMoveTheOutputBack) {
+    const std::string src("\xc7\x8d\x02\x10" "c\0\0ab\n", 10);
+    Result r = replace(src, "\\x9a*.??", "g", "", 213, 12);
+    EXPECT_EQ(r.status, zevStatusOk);
+    EXPECT_EQ(r.out, std::string("\0\0ab\n", 5));
+    EXPECT_EQ(r.srcLen, 4);
+}
