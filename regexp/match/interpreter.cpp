@@ -146,19 +146,7 @@ __attribute__((noinline)) int32_t stepItem(const uint8_t* p, const MatchContext*
         code = *p;
         length = 1;
     }
-    int32_t verdict;
-    switch (node.kind) {
-    case NodeProperty:
-        verdict = ownCheckProperty(code, node.word1, node.word2);
-        break;
-    case NodeBlock:
-        verdict = ownCheckBlock(code, node.word1, node.word2, node.word3);
-        break;
-    default:
-        verdict = ownCheckScript(code, ownScriptRanges(node.word4), node.word3, node.word2);
-        break;
-    }
-    return verdict > 0 ? length : NoStep;
+    return checkCodeItem(node, code) > 0 ? length : NoStep;
 }
 
 // One single step of the items that have a repeat check, NodeChar apart

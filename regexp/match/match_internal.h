@@ -70,6 +70,17 @@ inline int32_t ownBytesToEnd(const MatchContext* ctx, const uint8_t* p) {
     return static_cast<int32_t>(ctx->subject + ctx->subjectLength - p);
 }
 
+// The answer (+1 yes, -1 no) of a NodeProperty, NodeBlock or NodeScript for
+// a code, with the node's fields as the checks take them.
+inline int32_t checkCodeItem(const RegExpNode& item, int32_t code) {
+    switch (item.kind) {
+        case NodeProperty: return ownCheckProperty(code, item.word1, item.word2);
+        case NodeBlock:    return ownCheckBlock(code, item.word1, item.word2, item.word3);
+        case NodeScript:   return ownCheckScript(code, ownScriptRanges(item.word4), item.word3, item.word2);
+        default:           return -1;
+    }
+}
+
 // The node interpreter (regexp/match/interpreter.cpp).
 int32_t ownRegExpMatch(const uint8_t* p, int32_t remaining, MatchContext* ctx);
 

@@ -68,17 +68,6 @@ inline int32_t lastUtf8ItemSize(const uint8_t* p, int32_t offset, const MatchCon
     return 1;
 }
 
-// The answer (+1 yes, -1 no) of a NodeProperty, NodeBlock or NodeScript for
-// a code, with the node's fields as the checks take them.
-inline int32_t checkCodeItem(const RegExpNode& item, int32_t code) {
-    switch (item.kind) {
-        case NodeProperty: return ownCheckProperty(code, item.word1, item.word2);
-        case NodeBlock:    return ownCheckBlock(code, item.word1, item.word2, item.word3);
-        case NodeScript:   return ownCheckScript(code, ownScriptRanges(item.word4), item.word3, item.word2);
-        default:           return -1;
-    }
-}
-
 // The repeat node behind the repeated node at currentNode, and the
 // continuation behind both.
 struct RepeatBounds {
